@@ -1,0 +1,163 @@
+/**
+ * @file lyrsr.h
+ * @brief lyrsr: numerical primitives for speech recognition.
+ *
+ * Plain functions over plain arrays. A call runs on the caller's thread, reads and writes only the buffers that it is given, keeps no reference
+ * to them and returns a #Status. There is nothing to start, to configure or to shut down, and every function may run at the same time as any
+ * other on different data.
+ *
+ * What holds for every function, unless its own text says otherwise:
+ *  - Lengths, counts, strides and scale factors are signed 32-bit; a stride (`step`) counts elements, never bytes.
+ *  - Arguments are checked in a fixed order before anything is touched: null pointers (#StsNullPtr), sizes below 1 (#StsSize), a stride below
+ *    the width (#StsStep), value domains, work memory (#StsMemAlloc). The first fault decides the status. On a negative status nothing that
+ *    the caller supplied has changed; a positive status is a warning, with the result written in full.
+ *  - `_D2` takes a matrix in one block with a stride, `_D2L` a table of row pointers `mPtr` (not scanned for null) and no stride.
+ *  - `_I` works in place on `pSrcDst`. Other sources and destinations may not overlap.
+ *  - `Sfs`: the integer result is the exact result times 2^(-scaleFactor), rounded to nearest with ties to even and then saturated. Saturation
+ *    is no warning.
+ *  - Data aligned to 16 bytes with strides that keep it so takes faster kernels. Alignment may change the last bits of a floating-point
+ *    result, never more.
+ */
+#ifndef LYRSR_H
+#define LYRSR_H
+
+#include <stdint.h>
+
+#if defined(__GNUC__)
+#define LYRSR_API __attribute__((visibility("default")))
+#else
+#define LYRSR_API
+#endif
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/**
+ * @defgroup frame Types, status, memory
+ * Element types, status values, the version record and aligned memory.
+ * @{
+ */
+
+/** @name Element types, by the type codes of function names
+ * @{ */
+typedef uint8_t Elem8u;
+typedef uint16_t Elem16u; /**< offset tables only */
+typedef int16_t Elem16s;
+typedef int32_t Elem32s;
+typedef int64_t Elem64s;
+typedef float Elem32f;  /**< IEEE 754 single */
+typedef double Elem64f; /**< IEEE 754 double */
+
+/** Complex single. */
+typedef struct Elem32fc
+{
+    Elem32f re;
+    Elem32f im;
+} Elem32fc;
+
+/** Complex 32-bit integer. */
+typedef struct Elem32sc
+{
+    Elem32s re;
+    Elem32s im;
+} Elem32sc;
+/** @} */
+
+/** The result of a function: 0 success, negative an error, positive a warning. */
+typedef Elem32s Status;
+
+/** Every value that a #Status takes. */
+enum LyrsStatus
+{
+    StsNoErr = 0,              /**< carried out */
+    StsFail = -2,              /**< a primitive called inside a quantiser failed */
+    StsBadArg = -5,            /**< a scalar argument that is no length is outside the accepted values */
+    StsSize = -6,              /**< a length, count or dimension is out of range */
+    StsRange = -7,             /**< a data value or physical parameter is outside the domain */
+    StsNullPtr = -8,           /**< a required pointer is null */
+    StsMemAlloc = -9,          /**< an allocation inside the call failed; what it had taken is released */
+    StsDivByZero = -10,        /**< the constant divisor is zero */
+    StsFftOrder = -15,         /**< FFT order outside 0 to 30 */
+    StsFftFlag = -16,          /**< unknown FFT normalisation flag */
+    StsContext = -17,          /**< the state record is not one of the expected kind */
+    StsStep = -37,             /**< a row stride is smaller than what the call touches of a row */
+    StsNoConvergence = -65,    /**< the SVD iteration did not converge */
+    StsCdbkFlag = -66,         /**< illegal codebook option */
+    StsUpdateFactor = -67,     /**< negative model-update factor */
+    StsFBankNotReady = -69,    /**< the filter bank has no centre frequencies or coefficients yet */
+    StsFBankFlag = -70,        /**< illegal filter-bank option flags */
+    StsFBankFreq = -71,        /**< filter-bank frequency limits out of order */
+    StsLspRoots = -114,        /**< not all line spectral roots were found */
+    StsLspOrder = -115,        /**< line spectral values not strictly ordered */
+    StsUnstable = -116,        /**< a reflection coefficient reached magnitude one */
+    StsIllConditioned = -117,  /**< the recursion met a non-positive prediction error */
+    StsLenRange = -119,        /**< a length is outside the supported range */
+    StsCdbkHint = -9999,       /**< impossible hint in a codebook record that is freed */
+    StsWarnSqrtNeg = 3,        /**< square root of a negative element */
+    StsWarnZero = 4,           /**< degenerate input; substitute values were written */
+    StsWarnOverflow = 6,       /**< a denominator was zero; limit values were written */
+    StsWarnInf = 7,            /**< a result is an infinity */
+    StsWarnNan = 8,            /**< a result is not a number */
+    StsWarnUpdate11 = 11,      /**< model update, see there */
+    StsWarnUpdate16 = 16,      /**< a model-update factor is too small; nothing was written */
+    StsWarnCdbkSize = 31       /**< the codebook has another size than asked for; it is complete and usable */
+};
+
+/** What lyrsrGetLibVersion() points at. */
+typedef struct LibVersion
+{
+    Elem32s majorVersion;
+    Elem32s minorVersion;
+    Elem32s buildMajor;
+    Elem32s buildMinor;
+    char targetTag[4]; /**< two characters and two zero bytes */
+    const char* libraryName;
+    const char* versionText;
+    const char* buildDate;
+} LibVersion;
+
+/** The version of the library. @return a constant record, neither to be written nor freed */
+LYRSR_API const LibVersion* lyrsrGetLibVersion(void);
+
+/**
+ * @name Aligned memory
+ * Allocate `len` elements at an address that is a multiple of 32, so that the data reaches the aligned kernels; the content is not set.
+ * Release with lyrsFree() and nothing else.
+ * @param len number of elements; that its size fits the address space is the caller's care
+ * @return the block, or null if `len` is below 1 or memory is exhausted
+ * @{
+ */
+LYRSR_API Elem8u* lyrsMalloc_8u(Elem32s len);
+LYRSR_API Elem16s* lyrsMalloc_16s(Elem32s len);
+LYRSR_API Elem32s* lyrsMalloc_32s(Elem32s len);
+LYRSR_API Elem32f* lyrsMalloc_32f(Elem32s len);
+LYRSR_API Elem64f* lyrsMalloc_64f(Elem32s len);
+/** Releases a block from `lyrsMalloc_*`. A null pointer does nothing. */
+LYRSR_API void lyrsFree(void* p);
+/** @} */
+/** @} */
+
+/* ===================================================== vector ===================================================== */
+
+/* ======================================================= fft ====================================================== */
+
+/* ================================================ scoring: log domain ============================================= */
+
+/* ========================================= scoring: one diagonal Gaussian ========================================= */
+
+/* ================================================= scoring: mixtures ============================================== */
+
+/* ============================================= front end: filter banks ============================================ */
+
+/* ============================================= front end: DCT, lifter ============================================= */
+
+/* ================================================ front end: deltas =============================================== */
+
+/* =========================================== estimation: column statistics ======================================== */
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif /* LYRSR_H */
