@@ -3,7 +3,7 @@ include(CMakePackageConfigHelpers)
 
 install(TARGETS lyrsr EXPORT lyrsrTargets LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}"
                                                   NAMELINK_COMPONENT Development)
-install(TARGETS lyrcore LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}")
+install(TARGETS lyrcore EXPORT lyrsrTargets LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}")
 install(FILES include/lyrsr.h DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}")
 
 set(LYRSR_CMAKE_DIR "${CMAKE_INSTALL_LIBDIR}/cmake/lyrsr")

@@ -140,11 +140,116 @@ LYRSR_API void lyrsFree(void* p);
 
 /* ===================================================== vector ===================================================== */
 
+/**
+ * @defgroup vector_arithmetic Vector arithmetic
+ * Element-wise arithmetic on vectors of `len` elements, at least 1. Sources and destination may be the same vector.
+ * @{
+ */
+
+/**
+ * @name Division
+ * `lyrsDiv_32f`, `lyrsDiv_64f`: pDst[i] = pSrc2[i] / pSrc1[i], the first vector being the divisor; in place pSrcDst[i] = pSrcDst[i] / pSrc[i].
+ * A divisor of zero, of either sign, gives an infinity with the sign of the dividend, or NaN where that is zero or NaN.
+ * @return #StsNoErr, #StsNullPtr, #StsSize; #StsWarnOverflow if a divisor was zero, with every element written
+ * @{
+ */
+LYRSR_API Status lyrsDiv_32f(const Elem32f* pSrc1, const Elem32f* pSrc2, Elem32f* pDst, Elem32s len);
+LYRSR_API Status lyrsDiv_64f(const Elem64f* pSrc1, const Elem64f* pSrc2, Elem64f* pDst, Elem32s len);
+LYRSR_API Status lyrsDiv_32f_I(const Elem32f* pSrc, Elem32f* pSrcDst, Elem32s len);
+/** @} */
+
+/** @} */
+
 /* ======================================================= fft ====================================================== */
 
 /* ================================================ scoring: log domain ============================================= */
 
 /* ========================================= scoring: one diagonal Gaussian ========================================= */
+
+/**
+ * @defgroup scoring_gauss Scores against one diagonal Gaussian
+ *
+ * The log-likelihood of feature frames under a Gaussian with diagonal covariance, with everything that does not depend on the frame folded into
+ * one constant by the caller:
+ *
+ *     score = gconst - 1/2 * sum over i of (x[i] - mean[i])^2 * var[i]
+ *
+ * where `var` holds inverse variances (Rabiner and Juang, Fundamentals of Speech Recognition, 1993, section 6.6). `IdVar` forms have no `var`
+ * and weigh every element with one; `DirectVar` forms take variances and divide. Non-finite input gives a non-finite score and no status.
+ *
+ * The precision of every step is that of the type; `32f64f` forms widen each element to double before the subtraction. In single precision, and
+ * in `lyrsLogGauss_64f_D2L` and `lyrsLogGauss_IdVar_64f_D2L`, the constant enters as 2 * gconst, halved with the sum at the end, so that more
+ * than half of the largest finite value acts as an infinity. Sums run in any order; for widths 1 to 3 of `lyrsLogGauss_32f_D2`,
+ * `lyrsLogGauss_32f_D2L` and `lyrsLogGauss_IdVar_32f_D2` the products are subtracted from 2 * gconst one by one.
+ * @{
+ */
+
+/**
+ * @name One frame
+ * @param pSrc    frame, `len` elements
+ * @param pMean   mean, `len` elements
+ * @param pVar    inverse variances (`DirectVar`: variances), `len` elements
+ * @param len     elements of a frame, at least 1
+ * @param pResult receives the score
+ * @param gconst  constant of the Gaussian
+ * @return #StsNoErr, #StsNullPtr, #StsSize.
+ *         For a zero variance `lyrsLogGaussSingle_DirectVar_32f` returns #StsWarnOverflow and writes an infinity or NaN,
+ *         `lyrsLogGaussSingle_DirectVar_32f64f` returns #StsWarnOverflow and writes nothing, and `lyrsLogGaussSingle_DirectVar_64f` returns
+ *         #StsNoErr and writes an infinity or NaN. `lyrsLogGaussSingle_DirectVar_32f` allocates, and may return #StsMemAlloc.
+ * @{
+ */
+LYRSR_API Status lyrsLogGaussSingle_32f(const Elem32f* pSrc, const Elem32f* pMean, const Elem32f* pVar, Elem32s len,
+                                        Elem32f* pResult, Elem32f gconst);
+LYRSR_API Status lyrsLogGaussSingle_64f(const Elem64f* pSrc, const Elem64f* pMean, const Elem64f* pVar, Elem32s len,
+                                        Elem64f* pResult, Elem64f gconst);
+LYRSR_API Status lyrsLogGaussSingle_32f64f(const Elem32f* pSrc, const Elem32f* pMean, const Elem32f* pVar, Elem32s len,
+                                           Elem64f* pResult, Elem64f gconst);
+LYRSR_API Status lyrsLogGaussSingle_IdVar_32f(const Elem32f* pSrc, const Elem32f* pMean, Elem32s len, Elem32f* pResult,
+                                              Elem32f gconst);
+LYRSR_API Status lyrsLogGaussSingle_IdVar_64f(const Elem64f* pSrc, const Elem64f* pMean, Elem32s len, Elem64f* pResult,
+                                              Elem64f gconst);
+LYRSR_API Status lyrsLogGaussSingle_IdVar_32f64f(const Elem32f* pSrc, const Elem32f* pMean, Elem32s len, Elem64f* pResult,
+                                                 Elem64f gconst);
+LYRSR_API Status lyrsLogGaussSingle_DirectVar_32f(const Elem32f* pSrc, const Elem32f* pMean, const Elem32f* pVar,
+                                                  Elem32s len, Elem32f* pResult, Elem32f gconst);
+LYRSR_API Status lyrsLogGaussSingle_DirectVar_64f(const Elem64f* pSrc, const Elem64f* pMean, const Elem64f* pVar,
+                                                  Elem32s len, Elem64f* pResult, Elem64f gconst);
+LYRSR_API Status lyrsLogGaussSingle_DirectVar_32f64f(const Elem32f* pSrc, const Elem32f* pMean, const Elem32f* pVar,
+                                                     Elem32s len, Elem64f* pResult, Elem64f gconst);
+/** @} */
+
+/**
+ * @name Many frames
+ * @param pSrc   `height` frames in one block; frame f starts f * `step` elements after the first
+ * @param mPtr   table of `height` pointers to frames
+ * @param step   row stride of `pSrc` in elements, at least `width`
+ * @param pMean  mean, `width` elements
+ * @param pVar   inverse variances, `width` elements
+ * @param width  elements of a frame, at least 1
+ * @param pDst   receives `height` scores
+ * @param height number of frames, at least 1
+ * @param gconst constant of the Gaussian
+ * @return #StsNoErr; in this order: #StsStep (`_D2`), #StsNullPtr, #StsSize.
+ * @{
+ */
+LYRSR_API Status lyrsLogGauss_32f_D2(const Elem32f* pSrc, Elem32s step, const Elem32f* pMean, const Elem32f* pVar,
+                                     Elem32s width, Elem32f* pDst, Elem32s height, Elem32f gconst);
+LYRSR_API Status lyrsLogGauss_64f_D2(const Elem64f* pSrc, Elem32s step, const Elem64f* pMean, const Elem64f* pVar,
+                                     Elem32s width, Elem64f* pDst, Elem32s height, Elem64f gconst);
+LYRSR_API Status lyrsLogGauss_32f_D2L(const Elem32f* const* mPtr, const Elem32f* pMean, const Elem32f* pVar, Elem32s width,
+                                      Elem32f* pDst, Elem32s height, Elem32f gconst);
+LYRSR_API Status lyrsLogGauss_64f_D2L(const Elem64f* const* mPtr, const Elem64f* pMean, const Elem64f* pVar, Elem32s width,
+                                      Elem64f* pDst, Elem32s height, Elem64f gconst);
+LYRSR_API Status lyrsLogGauss_IdVar_32f_D2(const Elem32f* pSrc, Elem32s step, const Elem32f* pMean, Elem32s width,
+                                           Elem32f* pDst, Elem32s height, Elem32f gconst);
+LYRSR_API Status lyrsLogGauss_IdVar_64f_D2(const Elem64f* pSrc, Elem32s step, const Elem64f* pMean, Elem32s width,
+                                           Elem64f* pDst, Elem32s height, Elem64f gconst);
+LYRSR_API Status lyrsLogGauss_IdVar_32f_D2L(const Elem32f* const* mPtr, const Elem32f* pMean, Elem32s width, Elem32f* pDst,
+                                            Elem32s height, Elem32f gconst);
+LYRSR_API Status lyrsLogGauss_IdVar_64f_D2L(const Elem64f* const* mPtr, const Elem64f* pMean, Elem32s width, Elem64f* pDst,
+                                            Elem32s height, Elem64f gconst);
+/** @} */
+/** @} */
 
 /* ================================================= scoring: mixtures ============================================== */
 

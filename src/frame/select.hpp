@@ -29,6 +29,16 @@ Table selectTable(const Table& t128, const Table& t256, const Table& t512) noexc
     }
 }
 
+// A kernel and its twin for data at multiples of 16 bytes.
+template <class Kernel>
+struct Twins
+{
+    Kernel* aligned;   // _Al
+    Kernel* unaligned; // _NA
+
+    Kernel* operator()(bool isAligned) const noexcept { return isAligned ? aligned : unaligned; }
+};
+
 } // namespace lyr
 
 // In X_kernels.hpp, inside namespace lyr: declares the table NAME of type TYPE of every width.

@@ -121,25 +121,15 @@ LYR_INLINE I16 splat(std::int16_t x) { return as<I16>(_mm512_set1_epi16(x)); }
 template <class A, class T>
 LYR_INLINE VectorOf<T> load(const T* p)
 {
-    using V = VectorOf<T>;
-    if constexpr (__is_same(A, Aligned) && LYR_WIDTH == 128) {
-        return *reinterpret_cast<const V __attribute__((may_alias))*>(p);
-    } else {
-        using Loose = V __attribute__((aligned(1), may_alias));
-        return *reinterpret_cast<const Loose*>(p);
-    }
+    VectorOf<T> v;
+    std::memcpy(&v, __is_same(A, Aligned) ? __builtin_assume_aligned(p, 16) : p, sizeof v);
+    return v;
 }
 
 template <class A, class T>
 LYR_INLINE void store(T* p, VectorOf<T> v)
 {
-    using V = VectorOf<T>;
-    if constexpr (__is_same(A, Aligned) && LYR_WIDTH == 128) {
-        *reinterpret_cast<V __attribute__((may_alias))*>(p) = v;
-    } else {
-        using Loose = V __attribute__((aligned(1), may_alias));
-        *reinterpret_cast<Loose*>(p) = v;
-    }
+    std::memcpy(__is_same(A, Aligned) ? __builtin_assume_aligned(p, 16) : p, &v, sizeof v);
 }
 
 // -------------------------------------------------------------------------------------------------------------- tails
@@ -150,22 +140,32 @@ LYR_INLINE I32 firstLanes32(int n) { return as<I32>(_mm512_movm_epi32(static_cas
 LYR_INLINE I64 firstLanes64(int n) { return as<I64>(_mm512_movm_epi64(static_cast<__mmask8>((1U << n) - 1))); }
 LYR_INLINE I16 firstLanes16(int n) { return as<I16>(_mm512_movm_epi16(static_cast<__mmask32>((std::uint64_t{1} << n) - 1))); }
 #else
-LYR_INLINE I32 firstLanes32(int n)
+namespace detail {
+template <class V>
+LYR_INLINE V maskAt(int bytes)
 {
-    using Loose = I32 __attribute__((aligned(1), may_alias));
-    return *reinterpret_cast<const Loose*>(slidingMask32 + 16 - n);
+    V v;
+    std::memcpy(&v, reinterpret_cast<const char*>(slidingMask32 + 16) - bytes, sizeof v);
+    return v;
 }
-LYR_INLINE I64 firstLanes64(int n)
-{
-    using Loose = I64 __attribute__((aligned(1), may_alias));
-    return *reinterpret_cast<const Loose*>(slidingMask32 + 16 - 2 * n);
-}
-LYR_INLINE I16 firstLanes16(int n)
-{
-    using Loose = I16 __attribute__((aligned(1), may_alias));
-    return *reinterpret_cast<const Loose*>(reinterpret_cast<const char*>(slidingMask32 + 16) - 2 * n);
-}
+} // namespace detail
+LYR_INLINE I32 firstLanes32(int n) { return detail::maskAt<I32>(4 * n); }
+LYR_INLINE I64 firstLanes64(int n) { return detail::maskAt<I64>(8 * n); }
+LYR_INLINE I16 firstLanes16(int n) { return detail::maskAt<I16>(2 * n); }
 #endif
+
+// The mask for lanes of an element type.
+template <class T>
+LYR_INLINE auto firstLanes(int n)
+{
+    if constexpr (sizeof(T) == 8) {
+        return firstLanes64(n);
+    } else if constexpr (sizeof(T) == 4) {
+        return firstLanes32(n);
+    } else {
+        return firstLanes16(n);
+    }
+}
 
 namespace detail {
 

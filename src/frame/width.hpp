@@ -5,7 +5,7 @@
 // by the linker with its narrow copy, would crash an older processor. LYR_INLINE functions leave no such copy behind.
 #pragma once
 
-#define LYR_INLINE [[gnu::always_inline]] inline
+#define LYR_INLINE __attribute__((always_inline)) inline
 
 #if defined(LYR_WIDTH)
 #if LYR_WIDTH == 128

@@ -1,0 +1,123 @@
+#include "scoring/log_gauss_kernels.hpp"
+
+#include "scoring/gauss_rows.hpp"
+
+namespace lyr::LYR_NS {
+namespace {
+
+struct Weighted
+{
+    template <class V>
+    static LYR_INLINE V add(V sum, V d, V v)
+    {
+        return addWeighted(sum, d, v);
+    }
+};
+
+struct Unit
+{
+    template <class V>
+    static LYR_INLINE V add(V sum, V d, V /*v*/)
+    {
+        return mulAdd(d, d, sum);
+    }
+};
+
+// v is a variance. The lanes beyond a tail hold 0 / 0, which must not reach the sum: their divisor becomes one.
+struct Divided
+{
+    template <class V>
+    static LYR_INLINE V add(V sum, V d, V v)
+    {
+        return sum + d * d / v;
+    }
+};
+
+// One frame: two accumulators hide the latency of the additions.
+template <class A, class T, class S, class Weight>
+LYR_INLINE T distance(const S* x, const S* mean, const S* var, Elem32s len)
+{
+    using V = VectorOf<T>;
+    constexpr int L = lanes<V>;
+    constexpr bool weighted = !__is_same(Weight, Unit);
+    const auto weight = [var](std::ptrdiff_t at) { return weighted ? loadAs<A, T>(var + at) : V{}; };
+    V even{};
+    V odd{};
+    std::ptrdiff_t i = 0;
+    for (; i + 2 * L <= len; i += 2 * L) {
+        even = Weight::add(even, loadAs<A, T>(x + i) - loadAs<A, T>(mean + i), weight(i));
+        odd = Weight::add(odd, loadAs<A, T>(x + i + L) - loadAs<A, T>(mean + i + L), weight(i + L));
+    }
+    if (i + L <= len) {
+        even = Weight::add(even, loadAs<A, T>(x + i) - loadAs<A, T>(mean + i), weight(i));
+        i += L;
+    }
+    if (const int rest = static_cast<int>(len - i); rest != 0) {
+        const V d = loadTailAs<A, T>(x + i, rest) - loadTailAs<A, T>(mean + i, rest);
+        V v{};
+        if constexpr (weighted) {
+            v = loadTailAs<A, T>(var + i, rest);
+        }
+        if constexpr (__is_same(Weight, Divided)) {
+            v = firstLanes64(rest) ? v : splat(T{1});
+        }
+        odd = Weight::add(odd, d, v);
+    }
+    return sum(even + odd);
+}
+
+template <class T, class Weight>
+T distance_Al(const T* x, const T* mean, const T* var, Elem32s len)
+{
+    return distance<Aligned, T, T, Weight>(x, mean, var, len);
+}
+
+template <class T, class Weight>
+T distance_NA(const T* x, const T* mean, const T* var, Elem32s len)
+{
+    return distance<Unaligned, T, T, Weight>(x, mean, var, len);
+}
+
+template <class Weight>
+Elem64f widenedDistance(const Elem32f* x, const Elem32f* mean, const Elem32f* var, Elem32s len)
+{
+    return distance<Unaligned, Elem64f, Elem32f, Weight>(x, mean, var, len);
+}
+
+template <class T, class Weight>
+constexpr Twins<DistanceKernel<T>> distances{distance_Al<T, Weight>, distance_NA<T, Weight>};
+
+template <class A, class T, class Rows, class Weights, class Constant>
+void frames(Rows rows, const T* mean, Weights var, Elem32s width, T* dst, Elem32s height, Constant gconst)
+{
+    scoreRows<A, T>(rows, mean, var, width, height,
+                    [dst, gconst](std::ptrdiff_t f, T distance) { dst[f] = gconst.score(distance); });
+}
+
+template <class T, class Rows, class Weights, class Constant>
+constexpr Twins<FramesKernel<Rows, Weights, Constant, T>> frameTwins{frames<Aligned, T, Rows, Weights, Constant>,
+                                                                    frames<Unaligned, T, Rows, Weights, Constant>};
+
+template <class T, class BlockConstant, class TableConstant>
+constexpr FramesKernels<T, BlockConstant, TableConstant> allFrames{
+    .blockWeighted = frameTwins<T, Block<const T>, SharedWeights<T>, BlockConstant>,
+    .blockUnit = frameTwins<T, Block<const T>, UnitWeights, BlockConstant>,
+    .tableWeighted = frameTwins<T, Table<const T>, SharedWeights<T>, TableConstant>,
+    .tableUnit = frameTwins<T, Table<const T>, UnitWeights, TableConstant>};
+
+} // namespace
+
+const LogGaussKernels logGaussKernels{
+    .weighted32f = distances<Elem32f, Weighted>,
+    .unit32f = distances<Elem32f, Unit>,
+    .weighted64f = distances<Elem64f, Weighted>,
+    .unit64f = distances<Elem64f, Unit>,
+    .divided64f = distances<Elem64f, Divided>,
+    .weighted32f64f = widenedDistance<Weighted>,
+    .unit32f64f = widenedDistance<Unit>,
+    .divided32f64f = widenedDistance<Divided>,
+    .frames32f = allFrames<Elem32f, Doubled<Elem32f>, Doubled<Elem32f>>,
+    .frames64f = allFrames<Elem64f, Plain<Elem64f>, Doubled<Elem64f>>,
+};
+
+} // namespace lyr::LYR_NS

@@ -1,0 +1,20 @@
+#pragma once
+
+#include "frame/select.hpp"
+#include "lyrsr.h"
+
+namespace lyr {
+
+// dst[i] = dividend[i] / divisor[i]; whether any divisor was zero.
+template <class T>
+using DivideKernel = bool(const T* divisor, const T* dividend, T* dst, Elem32s len);
+
+struct DivideKernels
+{
+    DivideKernel<Elem32f>* divide32f;
+    DivideKernel<Elem64f>* divide64f;
+};
+
+LYR_DECLARE_KERNELS(DivideKernels, divideKernels)
+
+} // namespace lyr
