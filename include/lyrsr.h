@@ -2,21 +2,23 @@
  * @file lyrsr.h
  * @brief lyrsr: numerical primitives for speech recognition.
  *
- * Plain functions over plain arrays. A call runs on the caller's thread, reads and writes only the buffers that it is given, keeps no reference
- * to them and returns a #Status. There is nothing to start, to configure or to shut down, and every function may run at the same time as any
- * other on different data.
+ * Plain functions over plain arrays. A call runs on the caller's thread, reads and writes only the buffers that it is
+ * given, keeps no reference to them and returns a #Status. There is nothing to start, to configure or to shut down, and
+ * every function may run at the same time as any other on different data.
  *
  * What holds for every function, unless its own text says otherwise:
  *  - Lengths, counts, strides and scale factors are signed 32-bit; a stride (`step`) counts elements, never bytes.
- *  - Arguments are checked in a fixed order before anything is touched: null pointers (#StsNullPtr), sizes below 1 (#StsSize), a stride below
- *    the width (#StsStep), value domains, work memory (#StsMemAlloc). The first fault decides the status. On a negative status nothing that
- *    the caller supplied has changed; a positive status is a warning, with the result written in full.
- *  - `_D2` takes a matrix in one block with a stride, `_D2L` a table of row pointers `mPtr` (not scanned for null) and no stride.
+ *  - Arguments are checked in a fixed order before anything is touched: null pointers (#StsNullPtr), sizes below 1
+ * (#StsSize), a stride below the width (#StsStep), value domains, work memory (#StsMemAlloc). The first fault decides
+ * the status. On a negative status nothing that the caller supplied has changed; a positive status is a warning, with
+ * the result written in full.
+ *  - `_D2` takes a matrix in one block with a stride, `_D2L` a table of row pointers `mPtr` (not scanned for null) and
+ * no stride.
  *  - `_I` works in place on `pSrcDst`. Other sources and destinations may not overlap.
- *  - `Sfs`: the integer result is the exact result times 2^(-scaleFactor), rounded to nearest with ties to even and then saturated. Saturation
- *    is no warning.
- *  - Data aligned to 16 bytes with strides that keep it so takes faster kernels. Alignment may change the last bits of a floating-point
- *    result, never more.
+ *  - `Sfs`: the integer result is the exact result times 2^(-scaleFactor), rounded to nearest with ties to even and
+ * then saturated. Saturation is no warning.
+ *  - Data aligned to 16 bytes with strides that keep it so takes faster kernels. Alignment may change the last bits of
+ * a floating-point result, never more.
  */
 #ifndef LYRSR_H
 #define LYRSR_H
@@ -70,38 +72,38 @@ typedef Elem32s Status;
 /** Every value that a #Status takes. */
 enum LyrsStatus
 {
-    StsNoErr = 0,              /**< carried out */
-    StsFail = -2,              /**< a primitive called inside a quantiser failed */
-    StsBadArg = -5,            /**< a scalar argument that is no length is outside the accepted values */
-    StsSize = -6,              /**< a length, count or dimension is out of range */
-    StsRange = -7,             /**< a data value or physical parameter is outside the domain */
-    StsNullPtr = -8,           /**< a required pointer is null */
-    StsMemAlloc = -9,          /**< an allocation inside the call failed; what it had taken is released */
-    StsDivByZero = -10,        /**< the constant divisor is zero */
-    StsFftOrder = -15,         /**< FFT order outside 0 to 30 */
-    StsFftFlag = -16,          /**< unknown FFT normalisation flag */
-    StsContext = -17,          /**< the state record is not one of the expected kind */
-    StsStep = -37,             /**< a row stride is smaller than what the call touches of a row */
-    StsNoConvergence = -65,    /**< the SVD iteration did not converge */
-    StsCdbkFlag = -66,         /**< illegal codebook option */
-    StsUpdateFactor = -67,     /**< negative model-update factor */
-    StsFBankNotReady = -69,    /**< the filter bank has no centre frequencies or coefficients yet */
-    StsFBankFlag = -70,        /**< illegal filter-bank option flags */
-    StsFBankFreq = -71,        /**< filter-bank frequency limits out of order */
-    StsLspRoots = -114,        /**< not all line spectral roots were found */
-    StsLspOrder = -115,        /**< line spectral values not strictly ordered */
-    StsUnstable = -116,        /**< a reflection coefficient reached magnitude one */
-    StsIllConditioned = -117,  /**< the recursion met a non-positive prediction error */
-    StsLenRange = -119,        /**< a length is outside the supported range */
-    StsCdbkHint = -9999,       /**< impossible hint in a codebook record that is freed */
-    StsWarnSqrtNeg = 3,        /**< square root of a negative element */
-    StsWarnZero = 4,           /**< degenerate input; substitute values were written */
-    StsWarnOverflow = 6,       /**< a denominator was zero; limit values were written */
-    StsWarnInf = 7,            /**< a result is an infinity */
-    StsWarnNan = 8,            /**< a result is not a number */
-    StsWarnUpdate11 = 11,      /**< model update, see there */
-    StsWarnUpdate16 = 16,      /**< a model-update factor is too small; nothing was written */
-    StsWarnCdbkSize = 31       /**< the codebook has another size than asked for; it is complete and usable */
+    StsNoErr = 0,             /**< carried out */
+    StsFail = -2,             /**< a primitive called inside a quantiser failed */
+    StsBadArg = -5,           /**< a scalar argument that is no length is outside the accepted values */
+    StsSize = -6,             /**< a length, count or dimension is out of range */
+    StsRange = -7,            /**< a data value or physical parameter is outside the domain */
+    StsNullPtr = -8,          /**< a required pointer is null */
+    StsMemAlloc = -9,         /**< an allocation inside the call failed; what it had taken is released */
+    StsDivByZero = -10,       /**< the constant divisor is zero */
+    StsFftOrder = -15,        /**< FFT order outside 0 to 30 */
+    StsFftFlag = -16,         /**< unknown FFT normalisation flag */
+    StsContext = -17,         /**< the state record is not one of the expected kind */
+    StsStep = -37,            /**< a row stride is smaller than what the call touches of a row */
+    StsNoConvergence = -65,   /**< the SVD iteration did not converge */
+    StsCdbkFlag = -66,        /**< illegal codebook option */
+    StsUpdateFactor = -67,    /**< negative model-update factor */
+    StsFBankNotReady = -69,   /**< the filter bank has no centre frequencies or coefficients yet */
+    StsFBankFlag = -70,       /**< illegal filter-bank option flags */
+    StsFBankFreq = -71,       /**< filter-bank frequency limits out of order */
+    StsLspRoots = -114,       /**< not all line spectral roots were found */
+    StsLspOrder = -115,       /**< line spectral values not strictly ordered */
+    StsUnstable = -116,       /**< a reflection coefficient reached magnitude one */
+    StsIllConditioned = -117, /**< the recursion met a non-positive prediction error */
+    StsLenRange = -119,       /**< a length is outside the supported range */
+    StsCdbkHint = -9999,      /**< impossible hint in a codebook record that is freed */
+    StsWarnSqrtNeg = 3,       /**< square root of a negative element */
+    StsWarnZero = 4,          /**< degenerate input; substitute values were written */
+    StsWarnOverflow = 6,      /**< a denominator was zero; limit values were written */
+    StsWarnInf = 7,           /**< a result is an infinity */
+    StsWarnNan = 8,           /**< a result is not a number */
+    StsWarnUpdate11 = 11,     /**< model update, see there */
+    StsWarnUpdate16 = 16,     /**< a model-update factor is too small; nothing was written */
+    StsWarnCdbkSize = 31      /**< the codebook has another size than asked for; it is complete and usable */
 };
 
 /** What lyrsrGetLibVersion() points at. */
@@ -122,8 +124,8 @@ LYRSR_API const LibVersion* lyrsrGetLibVersion(void);
 
 /**
  * @name Aligned memory
- * Allocate `len` elements at an address that is a multiple of 32, so that the data reaches the aligned kernels; the content is not set.
- * Release with lyrsFree() and nothing else.
+ * Allocate `len` elements at an address that is a multiple of 32, so that the data reaches the aligned kernels; the
+ * content is not set. Release with lyrsFree() and nothing else.
  * @param len number of elements; that its size fits the address space is the caller's care
  * @return the block, or null if `len` is below 1 or memory is exhausted
  * @{
@@ -148,8 +150,9 @@ LYRSR_API void lyrsFree(void* p);
 
 /**
  * @name Division
- * `lyrsDiv_32f`, `lyrsDiv_64f`: pDst[i] = pSrc2[i] / pSrc1[i], the first vector being the divisor; in place pSrcDst[i] = pSrcDst[i] / pSrc[i].
- * A divisor of zero, of either sign, gives an infinity with the sign of the dividend, or NaN where that is zero or NaN.
+ * `lyrsDiv_32f`, `lyrsDiv_64f`: pDst[i] = pSrc2[i] / pSrc1[i], the first vector being the divisor; in place pSrcDst[i]
+ * = pSrcDst[i] / pSrc[i]. A divisor of zero, of either sign, gives an infinity with the sign of the dividend, or NaN
+ * where that is zero or NaN.
  * @return #StsNoErr, #StsNullPtr, #StsSize; #StsWarnOverflow if a divisor was zero, with every element written
  * @{
  */
@@ -169,18 +172,20 @@ LYRSR_API Status lyrsDiv_32f_I(const Elem32f* pSrc, Elem32f* pSrcDst, Elem32s le
 /**
  * @defgroup scoring_gauss Scores against one diagonal Gaussian
  *
- * The log-likelihood of feature frames under a Gaussian with diagonal covariance, with everything that does not depend on the frame folded into
- * one constant by the caller:
+ * The log-likelihood of feature frames under a Gaussian with diagonal covariance, with everything that does not depend
+ * on the frame folded into one constant by the caller:
  *
  *     score = gconst - 1/2 * sum over i of (x[i] - mean[i])^2 * var[i]
  *
- * where `var` holds inverse variances (Rabiner and Juang, Fundamentals of Speech Recognition, 1993, section 6.6). `IdVar` forms have no `var`
- * and weigh every element with one; `DirectVar` forms take variances and divide. Non-finite input gives a non-finite score and no status.
+ * where `var` holds inverse variances (Rabiner and Juang, Fundamentals of Speech Recognition, 1993, section 6.6).
+ * `IdVar` forms have no `var` and weigh every element with one; `DirectVar` forms take variances and divide. Non-finite
+ * input gives a non-finite score and no status.
  *
- * The precision of every step is that of the type; `32f64f` forms widen each element to double before the subtraction. In single precision, and
- * in `lyrsLogGauss_64f_D2L` and `lyrsLogGauss_IdVar_64f_D2L`, the constant enters as 2 * gconst, halved with the sum at the end, so that more
- * than half of the largest finite value acts as an infinity. Sums run in any order; for widths 1 to 3 of `lyrsLogGauss_32f_D2`,
- * `lyrsLogGauss_32f_D2L` and `lyrsLogGauss_IdVar_32f_D2` the products are subtracted from 2 * gconst one by one.
+ * The precision of every step is that of the type; `32f64f` forms widen each element to double before the subtraction.
+ * In single precision, and in `lyrsLogGauss_64f_D2L` and `lyrsLogGauss_IdVar_64f_D2L`, the constant enters as 2 *
+ * gconst, halved with the sum at the end, so that more than half of the largest finite value acts as an infinity. Sums
+ * run in any order; for widths 1 to 3 of `lyrsLogGauss_32f_D2`, `lyrsLogGauss_32f_D2L` and `lyrsLogGauss_IdVar_32f_D2`
+ * the products are subtracted from 2 * gconst one by one.
  * @{
  */
 
@@ -193,9 +198,10 @@ LYRSR_API Status lyrsDiv_32f_I(const Elem32f* pSrc, Elem32f* pSrcDst, Elem32s le
  * @param pResult receives the score
  * @param gconst  constant of the Gaussian
  * @return #StsNoErr, #StsNullPtr, #StsSize.
- *         For a zero variance `lyrsLogGaussSingle_DirectVar_32f` returns #StsWarnOverflow and writes an infinity or NaN,
- *         `lyrsLogGaussSingle_DirectVar_32f64f` returns #StsWarnOverflow and writes nothing, and `lyrsLogGaussSingle_DirectVar_64f` returns
- *         #StsNoErr and writes an infinity or NaN. `lyrsLogGaussSingle_DirectVar_32f` allocates, and may return #StsMemAlloc.
+ *         For a zero variance `lyrsLogGaussSingle_DirectVar_32f` returns #StsWarnOverflow and writes an infinity or
+ * NaN, `lyrsLogGaussSingle_DirectVar_32f64f` returns #StsWarnOverflow and writes nothing, and
+ * `lyrsLogGaussSingle_DirectVar_64f` returns #StsNoErr and writes an infinity or NaN.
+ * `lyrsLogGaussSingle_DirectVar_32f` allocates, and may return #StsMemAlloc.
  * @{
  */
 LYRSR_API Status lyrsLogGaussSingle_32f(const Elem32f* pSrc, const Elem32f* pMean, const Elem32f* pVar, Elem32s len,
@@ -208,8 +214,8 @@ LYRSR_API Status lyrsLogGaussSingle_IdVar_32f(const Elem32f* pSrc, const Elem32f
                                               Elem32f gconst);
 LYRSR_API Status lyrsLogGaussSingle_IdVar_64f(const Elem64f* pSrc, const Elem64f* pMean, Elem32s len, Elem64f* pResult,
                                               Elem64f gconst);
-LYRSR_API Status lyrsLogGaussSingle_IdVar_32f64f(const Elem32f* pSrc, const Elem32f* pMean, Elem32s len, Elem64f* pResult,
-                                                 Elem64f gconst);
+LYRSR_API Status lyrsLogGaussSingle_IdVar_32f64f(const Elem32f* pSrc, const Elem32f* pMean, Elem32s len,
+                                                 Elem64f* pResult, Elem64f gconst);
 LYRSR_API Status lyrsLogGaussSingle_DirectVar_32f(const Elem32f* pSrc, const Elem32f* pMean, const Elem32f* pVar,
                                                   Elem32s len, Elem32f* pResult, Elem32f gconst);
 LYRSR_API Status lyrsLogGaussSingle_DirectVar_64f(const Elem64f* pSrc, const Elem64f* pMean, const Elem64f* pVar,
@@ -236,18 +242,18 @@ LYRSR_API Status lyrsLogGauss_32f_D2(const Elem32f* pSrc, Elem32s step, const El
                                      Elem32s width, Elem32f* pDst, Elem32s height, Elem32f gconst);
 LYRSR_API Status lyrsLogGauss_64f_D2(const Elem64f* pSrc, Elem32s step, const Elem64f* pMean, const Elem64f* pVar,
                                      Elem32s width, Elem64f* pDst, Elem32s height, Elem64f gconst);
-LYRSR_API Status lyrsLogGauss_32f_D2L(const Elem32f* const* mPtr, const Elem32f* pMean, const Elem32f* pVar, Elem32s width,
-                                      Elem32f* pDst, Elem32s height, Elem32f gconst);
-LYRSR_API Status lyrsLogGauss_64f_D2L(const Elem64f* const* mPtr, const Elem64f* pMean, const Elem64f* pVar, Elem32s width,
-                                      Elem64f* pDst, Elem32s height, Elem64f gconst);
+LYRSR_API Status lyrsLogGauss_32f_D2L(const Elem32f* const* mPtr, const Elem32f* pMean, const Elem32f* pVar,
+                                      Elem32s width, Elem32f* pDst, Elem32s height, Elem32f gconst);
+LYRSR_API Status lyrsLogGauss_64f_D2L(const Elem64f* const* mPtr, const Elem64f* pMean, const Elem64f* pVar,
+                                      Elem32s width, Elem64f* pDst, Elem32s height, Elem64f gconst);
 LYRSR_API Status lyrsLogGauss_IdVar_32f_D2(const Elem32f* pSrc, Elem32s step, const Elem32f* pMean, Elem32s width,
                                            Elem32f* pDst, Elem32s height, Elem32f gconst);
 LYRSR_API Status lyrsLogGauss_IdVar_64f_D2(const Elem64f* pSrc, Elem32s step, const Elem64f* pMean, Elem32s width,
                                            Elem64f* pDst, Elem32s height, Elem64f gconst);
-LYRSR_API Status lyrsLogGauss_IdVar_32f_D2L(const Elem32f* const* mPtr, const Elem32f* pMean, Elem32s width, Elem32f* pDst,
-                                            Elem32s height, Elem32f gconst);
-LYRSR_API Status lyrsLogGauss_IdVar_64f_D2L(const Elem64f* const* mPtr, const Elem64f* pMean, Elem32s width, Elem64f* pDst,
-                                            Elem32s height, Elem64f gconst);
+LYRSR_API Status lyrsLogGauss_IdVar_32f_D2L(const Elem32f* const* mPtr, const Elem32f* pMean, Elem32s width,
+                                            Elem32f* pDst, Elem32s height, Elem32f gconst);
+LYRSR_API Status lyrsLogGauss_IdVar_64f_D2L(const Elem64f* const* mPtr, const Elem64f* pMean, Elem32s width,
+                                            Elem64f* pDst, Elem32s height, Elem64f gconst);
 /** @} */
 /** @} */
 

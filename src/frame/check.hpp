@@ -2,8 +2,8 @@
 //
 //     LYR_CHECK(stride(width, step), pointers(pSrc, pDst), sizes(width, height));
 //
-// and the order of the arguments is the order of the tests: the first that fails decides the status. Every test is evaluated, so one that
-// looks behind a pointer belongs in a second LYR_CHECK.
+// and the order of the arguments is the order of the tests: the first that fails decides the status. Every test is
+// evaluated, so one that looks behind a pointer belongs in a second LYR_CHECK.
 #pragma once
 
 #include "frame/width.hpp"
@@ -27,13 +27,22 @@ LYR_INLINE constexpr Status sizes(T... n)
     return ((n < 1) || ...) ? StsSize : StsNoErr;
 }
 
-LYR_INLINE constexpr Status atLeast(Elem32s least, Elem32s n) { return n < least ? StsSize : StsNoErr; }
+LYR_INLINE constexpr Status atLeast(Elem32s least, Elem32s n)
+{
+    return n < least ? StsSize : StsNoErr;
+}
 
 // A row is wider than the distance to the next one.
-LYR_INLINE constexpr Status stride(Elem64s width, Elem64s step) { return width > step ? StsStep : StsNoErr; }
+LYR_INLINE constexpr Status stride(Elem64s width, Elem64s step)
+{
+    return width > step ? StsStep : StsNoErr;
+}
 
 // `status` unless `legal`.
-LYR_INLINE constexpr Status require(bool legal, Status status) { return legal ? StsNoErr : status; }
+LYR_INLINE constexpr Status require(bool legal, Status status)
+{
+    return legal ? StsNoErr : status;
+}
 
 template <class... S>
 LYR_INLINE constexpr Status first(S... status)

@@ -1,5 +1,5 @@
-// Integer arithmetic by name: what saturates, what wraps, and which way a shift rounds. Shifts and sums that could leave the range of a signed
-// type go through these and nowhere else.
+// Integer arithmetic by name: what saturates, what wraps, and which way a shift rounds. Shifts and sums that could
+// leave the range of a signed type go through these and nowhere else.
 #pragma once
 
 #include "frame/width.hpp"
@@ -23,8 +23,14 @@ LYR_INLINE constexpr Elem32s saturate32(Elem64s x)
 }
 
 // The low bits, as the processor's integer units give them.
-LYR_INLINE constexpr Elem16s wrap16(Elem64s x) { return static_cast<Elem16s>(static_cast<std::uint16_t>(x)); }
-LYR_INLINE constexpr Elem32s wrap32(Elem64s x) { return static_cast<Elem32s>(static_cast<std::uint32_t>(x)); }
+LYR_INLINE constexpr Elem16s wrap16(Elem64s x)
+{
+    return static_cast<Elem16s>(static_cast<std::uint16_t>(x));
+}
+LYR_INLINE constexpr Elem32s wrap32(Elem64s x)
+{
+    return static_cast<Elem32s>(static_cast<std::uint32_t>(x));
+}
 
 LYR_INLINE constexpr Elem32s wrappingAdd(Elem32s a, Elem32s b)
 {
@@ -76,8 +82,8 @@ LYR_INLINE constexpr Elem32s shiftLeftWrapping(Elem32s x, std::uint32_t count)
     return count > 31 ? 0 : static_cast<Elem32s>(static_cast<std::uint32_t>(x) << count);
 }
 
-// Division by 2^count, to nearest with ties to even; exact for every x, as nothing is added to x itself. A count at or beyond the width of the
-// type gives 0.
+// Division by 2^count, to nearest with ties to even; exact for every x, as nothing is added to x itself. A count at or
+// beyond the width of the type gives 0.
 template <class T>
 LYR_INLINE constexpr T shiftRightNearest(T x, std::uint32_t count)
 {

@@ -10,7 +10,10 @@
 namespace lyr {
 
 // A multiple of 16 bytes: what a pointer must be for the aligned 128-bit kernels.
-LYR_INLINE bool isAligned16(const void* p) { return (reinterpret_cast<std::uintptr_t>(p) & 15U) == 0; }
+LYR_INLINE bool isAligned16(const void* p)
+{
+    return (reinterpret_cast<std::uintptr_t>(p) & 15U) == 0;
+}
 
 template <class... T>
 LYR_INLINE bool areAligned16(const T*... p)
@@ -31,8 +34,10 @@ struct Block
 
     LYR_INLINE T* row(std::ptrdiff_t r) const { return first + r * step; }
 
-    // Aligned rows: the first one, and a stride that is a multiple of `unit` elements (those of 16 bytes unless the family demands more).
-    LYR_INLINE bool isAligned(Elem32s /*height*/, std::ptrdiff_t unit = 16 / static_cast<std::ptrdiff_t>(sizeof(T))) const
+    // Aligned rows: the first one, and a stride that is a multiple of `unit` elements (those of 16 bytes unless the
+    // family demands more).
+    LYR_INLINE bool isAligned(Elem32s /*height*/,
+                              std::ptrdiff_t unit = 16 / static_cast<std::ptrdiff_t>(sizeof(T))) const
     {
         return isAligned16(first) && step % unit == 0;
     }

@@ -28,7 +28,10 @@ T* allocate(Elem32s len) noexcept
 // Row tables hold elements of four bytes only, whatever their type.
 constexpr std::size_t element = 4;
 
-std::size_t paddedColumns(Elem32s cols) noexcept { return cols < 1 ? 0 : alignUp(static_cast<std::size_t>(cols), 8); }
+std::size_t paddedColumns(Elem32s cols) noexcept
+{
+    return cols < 1 ? 0 : alignUp(static_cast<std::size_t>(cols), 8);
+}
 
 std::uint64_t tableBytes(Elem32s rows, Elem32s cols) noexcept
 {
@@ -82,7 +85,8 @@ BlockMatrix<T>* allocateMatrix(const Elem32s* blockSizes, Elem32s numBlocks) noe
         const auto n = static_cast<std::uint64_t>(blockSizes[b]);
         const std::uint64_t row = (n * sizeof(T) + matrixUnit - 1) / matrixUnit * matrixUnit;
         numRows += n;
-        // The padded row length squared, and not times the number of rows: meant to be generous, and part of the size that callers account for.
+        // The padded row length squared, and not times the number of rows: meant to be generous, and part of the size
+        // that callers account for.
         rowBytes += row * row;
     }
     const auto count = static_cast<std::size_t>(numBlocks < 0 ? 0 : numBlocks);
@@ -113,16 +117,46 @@ BlockMatrix<T>* allocateMatrix(const Elem32s* blockSizes, Elem32s numBlocks) noe
 
 } // namespace
 
-Elem32f** Alloc2_32f(Elem32s rows, Elem32s cols) noexcept { return allocateTable<Elem32f>(rows, cols); }
-Elem32s** Alloc2_32s(Elem32s rows, Elem32s cols) noexcept { return allocateTable<Elem32s>(rows, cols); }
-Elem32f** Alloc2_32fd(Elem32s rows, Elem32s cols) noexcept { return allocateTable<Elem32f>(rows, cols); }
-std::uint32_t GetSize2_32f(Elem32s rows, Elem32s cols) noexcept { return static_cast<std::uint32_t>(tableBytes(rows, cols)); }
-std::uint32_t GetSize2_32s(Elem32s rows, Elem32s cols) noexcept { return static_cast<std::uint32_t>(tableBytes(rows, cols)); }
-void Init2_32f(void* buffer, Elem32s rows, Elem32s cols) noexcept { layTable<Elem32f>(buffer, rows, cols); }
-void Init2_32s(void* buffer, Elem32s rows, Elem32s cols) noexcept { layTable<Elem32s>(buffer, rows, cols); }
-void Init2_32fd(void* buffer, Elem32s rows, Elem32s cols) noexcept { layTable<Elem32f>(buffer, rows, cols); }
-void Free2(void* block) noexcept { lyrsFree(block); }
-void Free2d(void* block) noexcept { lyrsFree(block); }
+Elem32f** Alloc2_32f(Elem32s rows, Elem32s cols) noexcept
+{
+    return allocateTable<Elem32f>(rows, cols);
+}
+Elem32s** Alloc2_32s(Elem32s rows, Elem32s cols) noexcept
+{
+    return allocateTable<Elem32s>(rows, cols);
+}
+Elem32f** Alloc2_32fd(Elem32s rows, Elem32s cols) noexcept
+{
+    return allocateTable<Elem32f>(rows, cols);
+}
+std::uint32_t GetSize2_32f(Elem32s rows, Elem32s cols) noexcept
+{
+    return static_cast<std::uint32_t>(tableBytes(rows, cols));
+}
+std::uint32_t GetSize2_32s(Elem32s rows, Elem32s cols) noexcept
+{
+    return static_cast<std::uint32_t>(tableBytes(rows, cols));
+}
+void Init2_32f(void* buffer, Elem32s rows, Elem32s cols) noexcept
+{
+    layTable<Elem32f>(buffer, rows, cols);
+}
+void Init2_32s(void* buffer, Elem32s rows, Elem32s cols) noexcept
+{
+    layTable<Elem32s>(buffer, rows, cols);
+}
+void Init2_32fd(void* buffer, Elem32s rows, Elem32s cols) noexcept
+{
+    layTable<Elem32f>(buffer, rows, cols);
+}
+void Free2(void* block) noexcept
+{
+    lyrsFree(block);
+}
+void Free2d(void* block) noexcept
+{
+    lyrsFree(block);
+}
 
 BlockMatrix<Elem16s>* allocMatrix_16s(const Elem32s* blockSizes, Elem32s numBlocks) noexcept
 {
@@ -141,11 +175,26 @@ BlockMatrix<Elem64f>* allocMatrix_64f(const Elem32s* blockSizes, Elem32s numBloc
 
 } // namespace lyr
 
-Elem8u* lyrsMalloc_8u(Elem32s len) { return lyr::allocate<Elem8u>(len); }
-Elem16s* lyrsMalloc_16s(Elem32s len) { return lyr::allocate<Elem16s>(len); }
-Elem32s* lyrsMalloc_32s(Elem32s len) { return lyr::allocate<Elem32s>(len); }
-Elem32f* lyrsMalloc_32f(Elem32s len) { return lyr::allocate<Elem32f>(len); }
-Elem64f* lyrsMalloc_64f(Elem32s len) { return lyr::allocate<Elem64f>(len); }
+Elem8u* lyrsMalloc_8u(Elem32s len)
+{
+    return lyr::allocate<Elem8u>(len);
+}
+Elem16s* lyrsMalloc_16s(Elem32s len)
+{
+    return lyr::allocate<Elem16s>(len);
+}
+Elem32s* lyrsMalloc_32s(Elem32s len)
+{
+    return lyr::allocate<Elem32s>(len);
+}
+Elem32f* lyrsMalloc_32f(Elem32s len)
+{
+    return lyr::allocate<Elem32f>(len);
+}
+Elem64f* lyrsMalloc_64f(Elem32s len)
+{
+    return lyr::allocate<Elem64f>(len);
+}
 
 void lyrsFree(void* p)
 {

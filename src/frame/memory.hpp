@@ -8,10 +8,14 @@
 
 namespace lyr {
 
-// lyrsMalloc_* align to this many bytes, which is twice what the aligned kernels ask for; row tables align every row to it.
+// lyrsMalloc_* align to this many bytes, which is twice what the aligned kernels ask for; row tables align every row to
+// it.
 inline constexpr std::size_t blockAlignment = 32;
 
-constexpr std::size_t alignUp(std::size_t n, std::size_t unit = blockAlignment) { return (n + unit - 1) / unit * unit; }
+constexpr std::size_t alignUp(std::size_t n, std::size_t unit = blockAlignment)
+{
+    return (n + unit - 1) / unit * unit;
+}
 
 template <class T>
 T* alignUp(T* p, std::size_t unit = blockAlignment)
@@ -41,12 +45,14 @@ private:
     T* block;
 };
 
-// A row table block: `rows` row pointers and behind them as many rows of `cols` 4-byte elements, each at a multiple of 32 bytes.
+// A row table block: `rows` row pointers and behind them as many rows of `cols` 4-byte elements, each at a multiple of
+// 32 bytes.
 Elem32f** Alloc2_32f(Elem32s rows, Elem32s cols) noexcept;
 Elem32s** Alloc2_32s(Elem32s rows, Elem32s cols) noexcept;
 Elem32f** Alloc2_32fd(Elem32s rows, Elem32s cols) noexcept;
 
-// Bytes of such a block: the pointers, the rows padded to 8 elements, and 7 words of slack for the alignment of the first row.
+// Bytes of such a block: the pointers, the rows padded to 8 elements, and 7 words of slack for the alignment of the
+// first row.
 std::uint32_t GetSize2_32f(Elem32s rows, Elem32s cols) noexcept;
 std::uint32_t GetSize2_32s(Elem32s rows, Elem32s cols) noexcept;
 

@@ -1,7 +1,7 @@
 // The floating-point environment of a call: what a function sets, it puts back.
 //
-// Arithmetic under a scope is a call of a kernel through its table. The compiler cannot see through that call and so cannot move the
-// arithmetic across the change of the control word.
+// Arithmetic under a scope is a call of a kernel through its table. The compiler cannot see through that call and so
+// cannot move the arithmetic across the change of the control word.
 #pragma once
 
 #include "frame/width.hpp"
@@ -17,8 +17,8 @@ inline constexpr unsigned exceptionMasks = 0x1F80U;
 inline constexpr unsigned exceptionFlags = 0x003FU;
 inline constexpr unsigned invalidFlag = 0x0001U;
 
-// For its lifetime: a rounding mode, and all exceptions masked. Afterwards the control bits and the flags in `KeptFlags` are as they were
-// found; the other flags show what the arithmetic raised.
+// For its lifetime: a rounding mode, and all exceptions masked. Afterwards the control bits and the flags in
+// `KeptFlags` are as they were found; the other flags show what the arithmetic raised.
 template <unsigned KeptFlags>
 class EnvironmentScope
 {

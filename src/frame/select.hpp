@@ -1,7 +1,8 @@
 // Which of the kernels compiled for several vector widths a processor gets.
 //
-// A family has a table of function pointers and defines it once for each width (LYR_DECLARE_KERNELS). Its exported functions hold a copy,
-// chosen when the library is loaded (LYR_SELECT_KERNELS): a call costs the load of one pointer, and nothing changes afterwards.
+// A family has a table of function pointers and defines it once for each width (LYR_DECLARE_KERNELS). Its exported
+// functions hold a copy, chosen when the library is loaded (LYR_SELECT_KERNELS): a call costs the load of one pointer,
+// and nothing changes afterwards.
 #pragma once
 
 namespace lyr {
@@ -53,7 +54,8 @@ struct Twins
     extern const TYPE NAME;                                                                                            \
     }
 
-// In X.cpp: the table for this processor. LYR_SELECT_KERNELS_UP_TO_256 is for families that 512 bits do not make faster.
+// In X.cpp: the table for this processor. LYR_SELECT_KERNELS_UP_TO_256 is for families that 512 bits do not make
+// faster.
 #if LYR_WIDEST >= 512
 #define LYR_SELECT_KERNELS(NAME) ::lyr::selectTable(::lyr::w128::NAME, ::lyr::w256::NAME, ::lyr::w512::NAME)
 #elif LYR_WIDEST >= 256

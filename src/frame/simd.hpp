@@ -1,12 +1,12 @@
 // The vector layer of the kernels: one set of names over vectors of 128, 256 or 512 bits.
 //
-// The types are the compilers' own vector types, so + - * / & | ^ ~ << >>, comparisons (which give lanes of all ones or zero) and `m ? a : b`
-// are written as for numbers. What the language has no operator for is a function below. Integer lanes that may leave their range are U32,
-// U64, U16: signed ones may not overflow here any more than elsewhere.
+// The types are the compilers' own vector types, so + - * / & | ^ ~ << >>, comparisons (which give lanes of all ones or
+// zero) and `m ? a : b` are written as for numbers. What the language has no operator for is a function below. Integer
+// lanes that may leave their range are U32, U64, U16: signed ones may not overflow here any more than elsewhere.
 //
-// A load or store names its alignment: Aligned (the 16-byte rule of the interface) or Unaligned. A tail of n elements, 1 <= n < lanes, comes
-// with loadTail: the lanes beyond are zero and no byte past the end is read, save in the aligned 128-bit form, whose load ends inside the
-// 16-byte unit of the last element and so can touch no new page.
+// A load or store names its alignment: Aligned (the 16-byte rule of the interface) or Unaligned. A tail of n elements,
+// 1 <= n < lanes, comes with loadTail: the lanes beyond are zero and no byte past the end is read, save in the aligned
+// 128-bit form, whose load ends inside the 16-byte unit of the last element and so can touch no new page.
 #pragma once
 
 #include "frame/masks.hpp"
@@ -22,7 +22,8 @@
 #error "simd.hpp is for kernel sources, which the build compiles once for each width"
 #endif
 
-// A memory checker would report the load of a whole last unit, so that under one the tail is taken as the unaligned kernels take it.
+// A memory checker would report the load of a whole last unit, so that under one the tail is taken as the unaligned
+// kernels take it.
 #if defined(__SANITIZE_ADDRESS__)
 #define LYR_MEMORY_CHECKED 1
 #elif defined(__has_feature)
@@ -97,23 +98,60 @@ LYR_INLINE To as(From v)
     return reinterpret_cast<To>(v);
 }
 
-// ---------------------------------------------------------------------------------------------------------------- splat
+// ----------------------------------------------------------------------------------------------------------------
+// splat
 
 #if LYR_WIDTH == 128
-LYR_INLINE F32 splat(float x) { return _mm_set1_ps(x); }
-LYR_INLINE F64 splat(double x) { return _mm_set1_pd(x); }
-LYR_INLINE I32 splat(std::int32_t x) { return as<I32>(_mm_set1_epi32(x)); }
-LYR_INLINE I16 splat(std::int16_t x) { return as<I16>(_mm_set1_epi16(x)); }
+LYR_INLINE F32 splat(float x)
+{
+    return _mm_set1_ps(x);
+}
+LYR_INLINE F64 splat(double x)
+{
+    return _mm_set1_pd(x);
+}
+LYR_INLINE I32 splat(std::int32_t x)
+{
+    return as<I32>(_mm_set1_epi32(x));
+}
+LYR_INLINE I16 splat(std::int16_t x)
+{
+    return as<I16>(_mm_set1_epi16(x));
+}
 #elif LYR_WIDTH == 256
-LYR_INLINE F32 splat(float x) { return _mm256_set1_ps(x); }
-LYR_INLINE F64 splat(double x) { return _mm256_set1_pd(x); }
-LYR_INLINE I32 splat(std::int32_t x) { return as<I32>(_mm256_set1_epi32(x)); }
-LYR_INLINE I16 splat(std::int16_t x) { return as<I16>(_mm256_set1_epi16(x)); }
+LYR_INLINE F32 splat(float x)
+{
+    return _mm256_set1_ps(x);
+}
+LYR_INLINE F64 splat(double x)
+{
+    return _mm256_set1_pd(x);
+}
+LYR_INLINE I32 splat(std::int32_t x)
+{
+    return as<I32>(_mm256_set1_epi32(x));
+}
+LYR_INLINE I16 splat(std::int16_t x)
+{
+    return as<I16>(_mm256_set1_epi16(x));
+}
 #else
-LYR_INLINE F32 splat(float x) { return _mm512_set1_ps(x); }
-LYR_INLINE F64 splat(double x) { return _mm512_set1_pd(x); }
-LYR_INLINE I32 splat(std::int32_t x) { return as<I32>(_mm512_set1_epi32(x)); }
-LYR_INLINE I16 splat(std::int16_t x) { return as<I16>(_mm512_set1_epi16(x)); }
+LYR_INLINE F32 splat(float x)
+{
+    return _mm512_set1_ps(x);
+}
+LYR_INLINE F64 splat(double x)
+{
+    return _mm512_set1_pd(x);
+}
+LYR_INLINE I32 splat(std::int32_t x)
+{
+    return as<I32>(_mm512_set1_epi32(x));
+}
+LYR_INLINE I16 splat(std::int16_t x)
+{
+    return as<I16>(_mm512_set1_epi16(x));
+}
 #endif
 
 // ------------------------------------------------------------------------------------------------------ whole vectors
@@ -136,9 +174,18 @@ LYR_INLINE void store(T* p, VectorOf<T> v)
 
 // Lane masks: the first n lanes set. 0 <= n <= lanes.
 #if LYR_WIDTH == 512
-LYR_INLINE I32 firstLanes32(int n) { return as<I32>(_mm512_movm_epi32(static_cast<__mmask16>((1U << n) - 1))); }
-LYR_INLINE I64 firstLanes64(int n) { return as<I64>(_mm512_movm_epi64(static_cast<__mmask8>((1U << n) - 1))); }
-LYR_INLINE I16 firstLanes16(int n) { return as<I16>(_mm512_movm_epi16(static_cast<__mmask32>((std::uint64_t{1} << n) - 1))); }
+LYR_INLINE I32 firstLanes32(int n)
+{
+    return as<I32>(_mm512_movm_epi32(static_cast<__mmask16>((1U << n) - 1)));
+}
+LYR_INLINE I64 firstLanes64(int n)
+{
+    return as<I64>(_mm512_movm_epi64(static_cast<__mmask8>((1U << n) - 1)));
+}
+LYR_INLINE I16 firstLanes16(int n)
+{
+    return as<I16>(_mm512_movm_epi16(static_cast<__mmask32>((std::uint64_t{1} << n) - 1)));
+}
 #else
 namespace detail {
 template <class V>
@@ -149,9 +196,18 @@ LYR_INLINE V maskAt(int bytes)
     return v;
 }
 } // namespace detail
-LYR_INLINE I32 firstLanes32(int n) { return detail::maskAt<I32>(4 * n); }
-LYR_INLINE I64 firstLanes64(int n) { return detail::maskAt<I64>(8 * n); }
-LYR_INLINE I16 firstLanes16(int n) { return detail::maskAt<I16>(2 * n); }
+LYR_INLINE I32 firstLanes32(int n)
+{
+    return detail::maskAt<I32>(4 * n);
+}
+LYR_INLINE I64 firstLanes64(int n)
+{
+    return detail::maskAt<I64>(8 * n);
+}
+LYR_INLINE I16 firstLanes16(int n)
+{
+    return detail::maskAt<I16>(2 * n);
+}
 #endif
 
 // The mask for lanes of an element type.
@@ -326,25 +382,50 @@ LYR_INLINE void storeTail(std::int16_t* p, I16 v, int n)
 
 // ----------------------------------------------------------------------------------------------------------- widening
 
-// lanes<I32> 16-bit or 8-bit integers as 32-bit lanes; lanes<F64> singles or integers as doubles. Each has a tail form of 1 <= n < that count.
+// lanes<I32> 16-bit or 8-bit integers as 32-bit lanes; lanes<F64> singles or integers as doubles. Each has a tail form
+// of 1 <= n < that count.
 #if LYR_WIDTH == 128
-LYR_INLINE I32 widenLow(__m128i v) { return as<I32>(_mm_srai_epi32(_mm_unpacklo_epi16(v, v), 16)); }
-LYR_INLINE I32 loadWide(const std::int16_t* p) { return widenLow(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p))); }
-LYR_INLINE I32 loadWideTail(const std::int16_t* p, int n) { return widenLow(as<__m128i>(loadTail<Unaligned>(p, n))); }
+LYR_INLINE I32 widenLow(__m128i v)
+{
+    return as<I32>(_mm_srai_epi32(_mm_unpacklo_epi16(v, v), 16));
+}
+LYR_INLINE I32 loadWide(const std::int16_t* p)
+{
+    return widenLow(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p)));
+}
+LYR_INLINE I32 loadWideTail(const std::int16_t* p, int n)
+{
+    return widenLow(as<__m128i>(loadTail<Unaligned>(p, n)));
+}
 LYR_INLINE F64 loadWide(const float* p)
 {
     return _mm_cvtps_pd(_mm_castsi128_ps(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p))));
 }
-LYR_INLINE F64 loadWideTail(const float* p, int /*n*/) { return _mm_cvtps_pd(_mm_load_ss(p)); }
+LYR_INLINE F64 loadWideTail(const float* p, int /*n*/)
+{
+    return _mm_cvtps_pd(_mm_load_ss(p));
+}
 LYR_INLINE F64 loadWideToDouble(const std::int32_t* p)
 {
     return _mm_cvtepi32_pd(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p)));
 }
-LYR_INLINE F64 loadWideToDouble(const std::int16_t* p) { return _mm_cvtepi32_pd(as<__m128i>(widenLow(_mm_loadu_si32(p)))); }
-LYR_INLINE F64 loadWideToDoubleTail(const std::int16_t* p, int /*n*/) { return F64{static_cast<double>(*p), 0.0}; }
+LYR_INLINE F64 loadWideToDouble(const std::int16_t* p)
+{
+    return _mm_cvtepi32_pd(as<__m128i>(widenLow(_mm_loadu_si32(p))));
+}
+LYR_INLINE F64 loadWideToDoubleTail(const std::int16_t* p, int /*n*/)
+{
+    return F64{static_cast<double>(*p), 0.0};
+}
 // lanes<F64> doubles as singles at p.
-LYR_INLINE void storeNarrow(float* p, F64 v) { _mm_storel_epi64(reinterpret_cast<__m128i*>(p), _mm_castps_si128(_mm_cvtpd_ps(v))); }
-LYR_INLINE void storeNarrowTail(float* p, F64 v, int /*n*/) { _mm_store_ss(p, _mm_cvtpd_ps(v)); }
+LYR_INLINE void storeNarrow(float* p, F64 v)
+{
+    _mm_storel_epi64(reinterpret_cast<__m128i*>(p), _mm_castps_si128(_mm_cvtpd_ps(v)));
+}
+LYR_INLINE void storeNarrowTail(float* p, F64 v, int /*n*/)
+{
+    _mm_store_ss(p, _mm_cvtpd_ps(v));
+}
 #elif LYR_WIDTH == 256
 LYR_INLINE I32 loadWide(const std::int16_t* p)
 {
@@ -354,7 +435,10 @@ LYR_INLINE I32 loadWideTail(const std::int16_t* p, int n)
 {
     return as<I32>(_mm256_cvtepi16_epi32(_mm256_castsi256_si128(as<__m256i>(loadTail<Unaligned>(p, n)))));
 }
-LYR_INLINE F64 loadWide(const float* p) { return _mm256_cvtps_pd(_mm_loadu_ps(p)); }
+LYR_INLINE F64 loadWide(const float* p)
+{
+    return _mm256_cvtps_pd(_mm_loadu_ps(p));
+}
 LYR_INLINE F64 loadWideTail(const float* p, int n)
 {
     return _mm256_cvtps_pd(_mm256_castps256_ps128(loadTail<Unaligned>(p, n)));
@@ -371,7 +455,10 @@ LYR_INLINE F64 loadWideToDoubleTail(const std::int16_t* p, int n)
 {
     return _mm256_cvtepi32_pd(_mm256_castsi256_si128(as<__m256i>(loadWideTail(p, n))));
 }
-LYR_INLINE void storeNarrow(float* p, F64 v) { _mm_storeu_ps(p, _mm256_cvtpd_ps(v)); }
+LYR_INLINE void storeNarrow(float* p, F64 v)
+{
+    _mm_storeu_ps(p, _mm256_cvtpd_ps(v));
+}
 LYR_INLINE void storeNarrowTail(float* p, F64 v, int n)
 {
     storeTail(p, _mm256_castps128_ps256(_mm256_cvtpd_ps(v)), n);
@@ -385,7 +472,10 @@ LYR_INLINE I32 loadWideTail(const std::int16_t* p, int n)
 {
     return as<I32>(_mm512_cvtepi16_epi32(_mm256_maskz_loadu_epi16(static_cast<__mmask16>((1U << n) - 1), p)));
 }
-LYR_INLINE F64 loadWide(const float* p) { return _mm512_cvtps_pd(_mm256_loadu_ps(p)); }
+LYR_INLINE F64 loadWide(const float* p)
+{
+    return _mm512_cvtps_pd(_mm256_loadu_ps(p));
+}
 LYR_INLINE F64 loadWideTail(const float* p, int n)
 {
     return _mm512_cvtps_pd(_mm256_maskz_loadu_ps(static_cast<__mmask8>((1U << n) - 1), p));
@@ -402,7 +492,10 @@ LYR_INLINE F64 loadWideToDoubleTail(const std::int16_t* p, int n)
 {
     return _mm512_cvtepi32_pd(_mm256_cvtepi16_epi32(_mm_maskz_loadu_epi16(static_cast<__mmask8>((1U << n) - 1), p)));
 }
-LYR_INLINE void storeNarrow(float* p, F64 v) { _mm256_storeu_ps(p, _mm512_cvtpd_ps(v)); }
+LYR_INLINE void storeNarrow(float* p, F64 v)
+{
+    _mm256_storeu_ps(p, _mm512_cvtpd_ps(v));
+}
 LYR_INLINE void storeNarrowTail(float* p, F64 v, int n)
 {
     _mm256_mask_storeu_ps(p, static_cast<__mmask8>((1U << n) - 1), _mm512_cvtpd_ps(v));
@@ -411,74 +504,237 @@ LYR_INLINE void storeNarrowTail(float* p, F64 v, int n)
 
 // --------------------------------------------------------------------------------------------------------- arithmetic
 
-// a * b + c and c - a * b: fused where the processor has it. For sums whose order and roundings are free, and only there.
+// a * b + c and c - a * b: fused where the processor has it. For sums whose order and roundings are free, and only
+// there.
 #if LYR_WIDTH == 128
-LYR_INLINE F32 mulAdd(F32 a, F32 b, F32 c) { return a * b + c; }
-LYR_INLINE F64 mulAdd(F64 a, F64 b, F64 c) { return a * b + c; }
-LYR_INLINE F32 mulSub(F32 a, F32 b, F32 c) { return c - a * b; }
-LYR_INLINE F64 mulSub(F64 a, F64 b, F64 c) { return c - a * b; }
-LYR_INLINE F32 min(F32 a, F32 b) { return _mm_min_ps(a, b); }
-LYR_INLINE F32 max(F32 a, F32 b) { return _mm_max_ps(a, b); }
-LYR_INLINE F64 min(F64 a, F64 b) { return _mm_min_pd(a, b); }
-LYR_INLINE F64 max(F64 a, F64 b) { return _mm_max_pd(a, b); }
-LYR_INLINE F32 sqrt(F32 a) { return _mm_sqrt_ps(a); }
-LYR_INLINE F64 sqrt(F64 a) { return _mm_sqrt_pd(a); }
+LYR_INLINE F32 mulAdd(F32 a, F32 b, F32 c)
+{
+    return a * b + c;
+}
+LYR_INLINE F64 mulAdd(F64 a, F64 b, F64 c)
+{
+    return a * b + c;
+}
+LYR_INLINE F32 mulSub(F32 a, F32 b, F32 c)
+{
+    return c - a * b;
+}
+LYR_INLINE F64 mulSub(F64 a, F64 b, F64 c)
+{
+    return c - a * b;
+}
+LYR_INLINE F32 min(F32 a, F32 b)
+{
+    return _mm_min_ps(a, b);
+}
+LYR_INLINE F32 max(F32 a, F32 b)
+{
+    return _mm_max_ps(a, b);
+}
+LYR_INLINE F64 min(F64 a, F64 b)
+{
+    return _mm_min_pd(a, b);
+}
+LYR_INLINE F64 max(F64 a, F64 b)
+{
+    return _mm_max_pd(a, b);
+}
+LYR_INLINE F32 sqrt(F32 a)
+{
+    return _mm_sqrt_ps(a);
+}
+LYR_INLINE F64 sqrt(F64 a)
+{
+    return _mm_sqrt_pd(a);
+}
 // To 32-bit integers in the rounding mode in force; out of range gives -2^31.
-LYR_INLINE I32 toInt(F32 a) { return as<I32>(_mm_cvtps_epi32(a)); }
-LYR_INLINE I32 truncateToInt(F32 a) { return as<I32>(_mm_cvttps_epi32(a)); }
-LYR_INLINE F32 toFloat(I32 a) { return _mm_cvtepi32_ps(as<__m128i>(a)); }
+LYR_INLINE I32 toInt(F32 a)
+{
+    return as<I32>(_mm_cvtps_epi32(a));
+}
+LYR_INLINE I32 truncateToInt(F32 a)
+{
+    return as<I32>(_mm_cvttps_epi32(a));
+}
+LYR_INLINE F32 toFloat(I32 a)
+{
+    return _mm_cvtepi32_ps(as<__m128i>(a));
+}
 // One bit for each lane's sign.
-LYR_INLINE unsigned signBits(F32 a) { return static_cast<unsigned>(_mm_movemask_ps(a)); }
-LYR_INLINE unsigned signBits(F64 a) { return static_cast<unsigned>(_mm_movemask_pd(a)); }
+LYR_INLINE unsigned signBits(F32 a)
+{
+    return static_cast<unsigned>(_mm_movemask_ps(a));
+}
+LYR_INLINE unsigned signBits(F64 a)
+{
+    return static_cast<unsigned>(_mm_movemask_pd(a));
+}
 #elif LYR_WIDTH == 256
-LYR_INLINE F32 mulAdd(F32 a, F32 b, F32 c) { return _mm256_fmadd_ps(a, b, c); }
-LYR_INLINE F64 mulAdd(F64 a, F64 b, F64 c) { return _mm256_fmadd_pd(a, b, c); }
-LYR_INLINE F32 mulSub(F32 a, F32 b, F32 c) { return _mm256_fnmadd_ps(a, b, c); }
-LYR_INLINE F64 mulSub(F64 a, F64 b, F64 c) { return _mm256_fnmadd_pd(a, b, c); }
-LYR_INLINE F32 min(F32 a, F32 b) { return _mm256_min_ps(a, b); }
-LYR_INLINE F32 max(F32 a, F32 b) { return _mm256_max_ps(a, b); }
-LYR_INLINE F64 min(F64 a, F64 b) { return _mm256_min_pd(a, b); }
-LYR_INLINE F64 max(F64 a, F64 b) { return _mm256_max_pd(a, b); }
-LYR_INLINE F32 sqrt(F32 a) { return _mm256_sqrt_ps(a); }
-LYR_INLINE F64 sqrt(F64 a) { return _mm256_sqrt_pd(a); }
-LYR_INLINE I32 toInt(F32 a) { return as<I32>(_mm256_cvtps_epi32(a)); }
-LYR_INLINE I32 truncateToInt(F32 a) { return as<I32>(_mm256_cvttps_epi32(a)); }
-LYR_INLINE F32 toFloat(I32 a) { return _mm256_cvtepi32_ps(as<__m256i>(a)); }
-LYR_INLINE unsigned signBits(F32 a) { return static_cast<unsigned>(_mm256_movemask_ps(a)); }
-LYR_INLINE unsigned signBits(F64 a) { return static_cast<unsigned>(_mm256_movemask_pd(a)); }
+LYR_INLINE F32 mulAdd(F32 a, F32 b, F32 c)
+{
+    return _mm256_fmadd_ps(a, b, c);
+}
+LYR_INLINE F64 mulAdd(F64 a, F64 b, F64 c)
+{
+    return _mm256_fmadd_pd(a, b, c);
+}
+LYR_INLINE F32 mulSub(F32 a, F32 b, F32 c)
+{
+    return _mm256_fnmadd_ps(a, b, c);
+}
+LYR_INLINE F64 mulSub(F64 a, F64 b, F64 c)
+{
+    return _mm256_fnmadd_pd(a, b, c);
+}
+LYR_INLINE F32 min(F32 a, F32 b)
+{
+    return _mm256_min_ps(a, b);
+}
+LYR_INLINE F32 max(F32 a, F32 b)
+{
+    return _mm256_max_ps(a, b);
+}
+LYR_INLINE F64 min(F64 a, F64 b)
+{
+    return _mm256_min_pd(a, b);
+}
+LYR_INLINE F64 max(F64 a, F64 b)
+{
+    return _mm256_max_pd(a, b);
+}
+LYR_INLINE F32 sqrt(F32 a)
+{
+    return _mm256_sqrt_ps(a);
+}
+LYR_INLINE F64 sqrt(F64 a)
+{
+    return _mm256_sqrt_pd(a);
+}
+LYR_INLINE I32 toInt(F32 a)
+{
+    return as<I32>(_mm256_cvtps_epi32(a));
+}
+LYR_INLINE I32 truncateToInt(F32 a)
+{
+    return as<I32>(_mm256_cvttps_epi32(a));
+}
+LYR_INLINE F32 toFloat(I32 a)
+{
+    return _mm256_cvtepi32_ps(as<__m256i>(a));
+}
+LYR_INLINE unsigned signBits(F32 a)
+{
+    return static_cast<unsigned>(_mm256_movemask_ps(a));
+}
+LYR_INLINE unsigned signBits(F64 a)
+{
+    return static_cast<unsigned>(_mm256_movemask_pd(a));
+}
 #else
-LYR_INLINE F32 mulAdd(F32 a, F32 b, F32 c) { return _mm512_fmadd_ps(a, b, c); }
-LYR_INLINE F64 mulAdd(F64 a, F64 b, F64 c) { return _mm512_fmadd_pd(a, b, c); }
-LYR_INLINE F32 mulSub(F32 a, F32 b, F32 c) { return _mm512_fnmadd_ps(a, b, c); }
-LYR_INLINE F64 mulSub(F64 a, F64 b, F64 c) { return _mm512_fnmadd_pd(a, b, c); }
-LYR_INLINE F32 min(F32 a, F32 b) { return _mm512_min_ps(a, b); }
-LYR_INLINE F32 max(F32 a, F32 b) { return _mm512_max_ps(a, b); }
-LYR_INLINE F64 min(F64 a, F64 b) { return _mm512_min_pd(a, b); }
-LYR_INLINE F64 max(F64 a, F64 b) { return _mm512_max_pd(a, b); }
-LYR_INLINE F32 sqrt(F32 a) { return _mm512_sqrt_ps(a); }
-LYR_INLINE F64 sqrt(F64 a) { return _mm512_sqrt_pd(a); }
-LYR_INLINE I32 toInt(F32 a) { return as<I32>(_mm512_cvtps_epi32(a)); }
-LYR_INLINE I32 truncateToInt(F32 a) { return as<I32>(_mm512_cvttps_epi32(a)); }
-LYR_INLINE F32 toFloat(I32 a) { return _mm512_cvtepi32_ps(as<__m512i>(a)); }
-LYR_INLINE unsigned signBits(F32 a) { return _mm512_movepi32_mask(_mm512_castps_si512(a)); }
-LYR_INLINE unsigned signBits(F64 a) { return _mm512_movepi64_mask(_mm512_castpd_si512(a)); }
+LYR_INLINE F32 mulAdd(F32 a, F32 b, F32 c)
+{
+    return _mm512_fmadd_ps(a, b, c);
+}
+LYR_INLINE F64 mulAdd(F64 a, F64 b, F64 c)
+{
+    return _mm512_fmadd_pd(a, b, c);
+}
+LYR_INLINE F32 mulSub(F32 a, F32 b, F32 c)
+{
+    return _mm512_fnmadd_ps(a, b, c);
+}
+LYR_INLINE F64 mulSub(F64 a, F64 b, F64 c)
+{
+    return _mm512_fnmadd_pd(a, b, c);
+}
+LYR_INLINE F32 min(F32 a, F32 b)
+{
+    return _mm512_min_ps(a, b);
+}
+LYR_INLINE F32 max(F32 a, F32 b)
+{
+    return _mm512_max_ps(a, b);
+}
+LYR_INLINE F64 min(F64 a, F64 b)
+{
+    return _mm512_min_pd(a, b);
+}
+LYR_INLINE F64 max(F64 a, F64 b)
+{
+    return _mm512_max_pd(a, b);
+}
+LYR_INLINE F32 sqrt(F32 a)
+{
+    return _mm512_sqrt_ps(a);
+}
+LYR_INLINE F64 sqrt(F64 a)
+{
+    return _mm512_sqrt_pd(a);
+}
+LYR_INLINE I32 toInt(F32 a)
+{
+    return as<I32>(_mm512_cvtps_epi32(a));
+}
+LYR_INLINE I32 truncateToInt(F32 a)
+{
+    return as<I32>(_mm512_cvttps_epi32(a));
+}
+LYR_INLINE F32 toFloat(I32 a)
+{
+    return _mm512_cvtepi32_ps(as<__m512i>(a));
+}
+LYR_INLINE unsigned signBits(F32 a)
+{
+    return _mm512_movepi32_mask(_mm512_castps_si512(a));
+}
+LYR_INLINE unsigned signBits(F64 a)
+{
+    return _mm512_movepi64_mask(_mm512_castpd_si512(a));
+}
 #endif
 
-LYR_INLINE F32 abs(F32 a) { return as<F32>(as<I32>(a) & splat(std::int32_t{0x7FFFFFFF})); }
+LYR_INLINE F32 abs(F32 a)
+{
+    return as<F32>(as<I32>(a) & splat(std::int32_t{0x7FFFFFFF}));
+}
 
 // A mask from a comparison has any, or all, of its lanes set.
-LYR_INLINE bool any(I32 mask) { return signBits(as<F32>(mask)) != 0; }
-LYR_INLINE bool any(I64 mask) { return signBits(as<F64>(mask)) != 0; }
-LYR_INLINE bool all(I32 mask) { return signBits(as<F32>(mask)) == (1U << lanes<F32>) - 1; }
-LYR_INLINE bool all(I64 mask) { return signBits(as<F64>(mask)) == (1U << lanes<F64>) - 1; }
+LYR_INLINE bool any(I32 mask)
+{
+    return signBits(as<F32>(mask)) != 0;
+}
+LYR_INLINE bool any(I64 mask)
+{
+    return signBits(as<F64>(mask)) != 0;
+}
+LYR_INLINE bool all(I32 mask)
+{
+    return signBits(as<F32>(mask)) == (1U << lanes<F32>)-1;
+}
+LYR_INLINE bool all(I64 mask)
+{
+    return signBits(as<F64>(mask)) == (1U << lanes<F64>)-1;
+}
 
 // Estimates with 12 bits, the same at every width: refined or not, a function promises what these and its formula give.
 #if LYR_WIDTH == 128
-LYR_INLINE F32 reciprocalEstimate(F32 a) { return _mm_rcp_ps(a); }
-LYR_INLINE F32 reciprocalRootEstimate(F32 a) { return _mm_rsqrt_ps(a); }
+LYR_INLINE F32 reciprocalEstimate(F32 a)
+{
+    return _mm_rcp_ps(a);
+}
+LYR_INLINE F32 reciprocalRootEstimate(F32 a)
+{
+    return _mm_rsqrt_ps(a);
+}
 #elif LYR_WIDTH == 256
-LYR_INLINE F32 reciprocalEstimate(F32 a) { return _mm256_rcp_ps(a); }
-LYR_INLINE F32 reciprocalRootEstimate(F32 a) { return _mm256_rsqrt_ps(a); }
+LYR_INLINE F32 reciprocalEstimate(F32 a)
+{
+    return _mm256_rcp_ps(a);
+}
+LYR_INLINE F32 reciprocalRootEstimate(F32 a)
+{
+    return _mm256_rsqrt_ps(a);
+}
 #else
 LYR_INLINE F32 reciprocalEstimate(F32 a)
 {
@@ -499,11 +755,23 @@ LYR_INLINE F32 reciprocalRootEstimate(F32 a)
 namespace detail {
 // Halves of a vector added until 128 bits are left.
 #if LYR_WIDTH == 128
-LYR_INLINE __m128 fold(F32 v) { return v; }
-LYR_INLINE __m128d fold(F64 v) { return v; }
+LYR_INLINE __m128 fold(F32 v)
+{
+    return v;
+}
+LYR_INLINE __m128d fold(F64 v)
+{
+    return v;
+}
 #elif LYR_WIDTH == 256
-LYR_INLINE __m128 fold(F32 v) { return _mm_add_ps(_mm256_castps256_ps128(v), _mm256_extractf128_ps(v, 1)); }
-LYR_INLINE __m128d fold(F64 v) { return _mm_add_pd(_mm256_castpd256_pd128(v), _mm256_extractf128_pd(v, 1)); }
+LYR_INLINE __m128 fold(F32 v)
+{
+    return _mm_add_ps(_mm256_castps256_ps128(v), _mm256_extractf128_ps(v, 1));
+}
+LYR_INLINE __m128d fold(F64 v)
+{
+    return _mm_add_pd(_mm256_castpd256_pd128(v), _mm256_extractf128_pd(v, 1));
+}
 #else
 LYR_INLINE __m128 fold(F32 v)
 {

@@ -10,4 +10,7 @@ static_assert(offsetof(LibVersion, libraryName) == (sizeof(void*) == 8 ? 24 : 20
 
 } // namespace
 
-const LibVersion* lyrsrGetLibVersion(void) { return &version; }
+const LibVersion* lyrsrGetLibVersion(void)
+{
+    return &version;
+}

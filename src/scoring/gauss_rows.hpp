@@ -2,9 +2,10 @@
 //
 //     distance(r) = sum over i of (row_r[i] - shared[i])^2 * weight[i]
 //
-// The rows are the frames of a block and the shared vector is the mean of one Gaussian, or the rows are the means of many Gaussians and the
-// shared vector is one frame: the square does not mind. Four rows are taken at a time, so that each vector of what they share is loaded
-// once for four (cf. the register blocking of matrix products, Goto and van de Geijn, ACM TOMS 34(3), 2008).
+// The rows are the frames of a block and the shared vector is the mean of one Gaussian, or the rows are the means of
+// many Gaussians and the shared vector is one frame: the square does not mind. Four rows are taken at a time, so that
+// each vector of what they share is loaded once for four (cf. the register blocking of matrix products, Goto and van de
+// Geijn, ACM TOMS 34(3), 2008).
 //
 // What varies is a policy: the weights here, the constant and the sink in scoreRows.
 #pragma once

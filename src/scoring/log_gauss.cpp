@@ -19,13 +19,13 @@ namespace {
 
 const lyr::LogGaussKernels kernels = LYR_SELECT_KERNELS(logGaussKernels);
 
-// Below this width the kernels' set-up costs more than the frame, and the score is subtracted together from twice the constant, element by
-// element in single precision: a rounding of its own, which is part of the result.
+// Below this width the kernels' set-up costs more than the frame, and the score is subtracted together from twice the
+// constant, element by element in single precision: a rounding of its own, which is part of the result.
 constexpr Elem32s kernelWidth = 4;
 
 template <class Rows>
-void scoreNarrowFrames(Rows frames, const Elem32f* mean, const Elem32f* var, Elem32s width, Elem32f* dst, Elem32s height,
-                       Elem32f gconst)
+void scoreNarrowFrames(Rows frames, const Elem32f* mean, const Elem32f* var, Elem32s width, Elem32f* dst,
+                       Elem32s height, Elem32f gconst)
 {
     for (Elem32s f = 0; f < height; ++f) {
         const Elem32f* const x = frames.row(f);
@@ -42,8 +42,8 @@ void scoreNarrowFrames(Rows frames, const Elem32f* mean, const Elem32f* var, Ele
 
 // ---------------------------------------------------------------------------------------------------------- one frame
 
-Status lyrsLogGaussSingle_32f(const Elem32f* pSrc, const Elem32f* pMean, const Elem32f* pVar, Elem32s len, Elem32f* pResult,
-                              Elem32f gconst)
+Status lyrsLogGaussSingle_32f(const Elem32f* pSrc, const Elem32f* pMean, const Elem32f* pVar, Elem32s len,
+                              Elem32f* pResult, Elem32f gconst)
 {
     LYR_CHECK(pointers(pSrc, pMean, pVar, pResult), sizes(len));
     const auto distance = kernels.weighted32f(areAligned16(pSrc, pMean, pVar));
@@ -51,8 +51,8 @@ Status lyrsLogGaussSingle_32f(const Elem32f* pSrc, const Elem32f* pMean, const E
     return StsNoErr;
 }
 
-Status lyrsLogGaussSingle_64f(const Elem64f* pSrc, const Elem64f* pMean, const Elem64f* pVar, Elem32s len, Elem64f* pResult,
-                              Elem64f gconst)
+Status lyrsLogGaussSingle_64f(const Elem64f* pSrc, const Elem64f* pMean, const Elem64f* pVar, Elem32s len,
+                              Elem64f* pResult, Elem64f gconst)
 {
     LYR_CHECK(pointers(pSrc, pMean, pVar, pResult), sizes(len));
     const auto distance = kernels.weighted64f(areAligned16(pSrc, pMean, pVar));
@@ -68,7 +68,8 @@ Status lyrsLogGaussSingle_32f64f(const Elem32f* pSrc, const Elem32f* pMean, cons
     return StsNoErr;
 }
 
-Status lyrsLogGaussSingle_IdVar_32f(const Elem32f* pSrc, const Elem32f* pMean, Elem32s len, Elem32f* pResult, Elem32f gconst)
+Status lyrsLogGaussSingle_IdVar_32f(const Elem32f* pSrc, const Elem32f* pMean, Elem32s len, Elem32f* pResult,
+                                    Elem32f gconst)
 {
     LYR_CHECK(pointers(pSrc, pMean, pResult), sizes(len));
     const auto distance = kernels.unit32f(areAligned16(pSrc, pMean));
@@ -76,7 +77,8 @@ Status lyrsLogGaussSingle_IdVar_32f(const Elem32f* pSrc, const Elem32f* pMean, E
     return StsNoErr;
 }
 
-Status lyrsLogGaussSingle_IdVar_64f(const Elem64f* pSrc, const Elem64f* pMean, Elem32s len, Elem64f* pResult, Elem64f gconst)
+Status lyrsLogGaussSingle_IdVar_64f(const Elem64f* pSrc, const Elem64f* pMean, Elem32s len, Elem64f* pResult,
+                                    Elem64f gconst)
 {
     LYR_CHECK(pointers(pSrc, pMean, pResult), sizes(len));
     const auto distance = kernels.unit64f(areAligned16(pSrc, pMean));
@@ -189,8 +191,8 @@ Status lyrsLogGauss_IdVar_32f_D2L(const Elem32f* const* mPtr, const Elem32f* pMe
     return StsNoErr;
 }
 
-// In double precision the stride must be a multiple of 4 elements for the aligned kernels, stricter than 16 bytes ask for: meant, and part of
-// what decides the last bits of a score.
+// In double precision the stride must be a multiple of 4 elements for the aligned kernels, stricter than 16 bytes ask
+// for: meant, and part of what decides the last bits of a score.
 static constexpr Elem32s stepUnit64f = 4;
 
 Status lyrsLogGauss_64f_D2(const Elem64f* pSrc, Elem32s step, const Elem64f* pMean, const Elem64f* pVar, Elem32s width,

@@ -96,7 +96,7 @@ void frames(Rows rows, const T* mean, Weights var, Elem32s width, T* dst, Elem32
 
 template <class T, class Rows, class Weights, class Constant>
 constexpr Twins<FramesKernel<Rows, Weights, Constant, T>> frameTwins{frames<Aligned, T, Rows, Weights, Constant>,
-                                                                    frames<Unaligned, T, Rows, Weights, Constant>};
+                                                                     frames<Unaligned, T, Rows, Weights, Constant>};
 
 template <class T, class BlockConstant, class TableConstant>
 constexpr FramesKernels<T, BlockConstant, TableConstant> allFrames{

@@ -14,7 +14,8 @@ using DistanceKernel = T(const S* x, const S* mean, const S* var, Elem32s len);
 
 // dst[f] = score of frame f, the constant entering as `Constant` says.
 template <class Rows, class Weights, class Constant, class T>
-using FramesKernel = void(Rows frames, const T* mean, Weights var, Elem32s width, T* dst, Elem32s height, Constant gconst);
+using FramesKernel = void(Rows frames, const T* mean, Weights var, Elem32s width, T* dst, Elem32s height,
+                          Constant gconst);
 
 template <class T, class BlockConstant, class TableConstant>
 struct FramesKernels
@@ -37,7 +38,8 @@ struct LogGaussKernels
     DistanceKernel<Elem64f, Elem32f>* unit32f64f;
     DistanceKernel<Elem64f, Elem32f>* divided32f64f;
     FramesKernels<Elem32f, Doubled<Elem32f>, Doubled<Elem32f>> frames32f;
-    // In double precision the row tables double the constant and the blocks do not: they differ where twice the constant overflows, as meant.
+    // In double precision the row tables double the constant and the blocks do not: they differ where twice the
+    // constant overflows, as meant.
     FramesKernels<Elem64f, Plain<Elem64f>, Doubled<Elem64f>> frames64f;
 };
 

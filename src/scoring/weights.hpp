@@ -32,7 +32,8 @@ struct RowWeights
 template <class Rows>
 RowWeights(Rows) -> RowWeights<Rows>;
 
-// (2 * gconst - distance) / 2. The doubling rounds to the working precision and may overflow; it is part of the promised result.
+// (2 * gconst - distance) / 2. The doubling rounds to the working precision and may overflow; it is part of the
+// promised result.
 template <class T>
 struct Doubled
 {

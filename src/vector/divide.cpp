@@ -8,7 +8,10 @@ namespace {
 
 const lyr::DivideKernels kernels = LYR_SELECT_KERNELS(divideKernels);
 
-Status overflowIf(bool zeroDivisor) { return zeroDivisor ? StsWarnOverflow : StsNoErr; }
+Status overflowIf(bool zeroDivisor)
+{
+    return zeroDivisor ? StsWarnOverflow : StsNoErr;
+}
 
 } // namespace
 

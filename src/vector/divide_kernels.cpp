@@ -15,7 +15,8 @@ bool divide(const T* divisor, const T* dividend, T* dst, Elem32s len)
     const auto quotient = [&zeros](V n, V d) {
         const auto zero = d == V{};
         zeros |= zero;
-        // A zero divisor counts as plus zero whatever its sign, on purpose: the sign of the infinity is that of the dividend.
+        // A zero divisor counts as plus zero whatever its sign, on purpose: the sign of the infinity is that of the
+        // dividend.
         return n / (zero ? V{} : d);
     };
     std::ptrdiff_t i = 0;

@@ -1,7 +1,7 @@
 // Element-wise operations: dst[i] = op(a[i], ...) over a vector, a whole register at a time and the tail under a mask.
 //
-// An operation is a function object on vectors. Sources and destination may be the same vector. Every element gets the same arithmetic
-// wherever it stands, so that results depend neither on length nor on alignment.
+// An operation is a function object on vectors. Sources and destination may be the same vector. Every element gets the
+// same arithmetic wherever it stands, so that results depend neither on length nor on alignment.
 #pragma once
 
 #include "frame/simd.hpp"

@@ -46,11 +46,26 @@ void __wrap_free(void* p)
 
 namespace lyr::test {
 
-long liveAllocations() { return live; }
-long allocationCount() { return total; }
-unsigned long lastAllocationSize() { return lastSize; }
-void failAllocationsAfter(long successes) { allowed = successes; }
-void allowAllocations() { allowed = -1; }
+long liveAllocations()
+{
+    return live;
+}
+long allocationCount()
+{
+    return total;
+}
+unsigned long lastAllocationSize()
+{
+    return lastSize;
+}
+void failAllocationsAfter(long successes)
+{
+    allowed = successes;
+}
+void allowAllocations()
+{
+    allowed = -1;
+}
 
 int failEachAllocation(const std::function<Status()>& call, const std::function<void()>& release,
                        const std::function<void()>& check)

@@ -20,9 +20,9 @@ void allowAllocations();
 // The size that the last allocation asked for.
 unsigned long lastAllocationSize();
 
-// Runs `call` with the first, then the second, ... allocation failing until none fails any more. Each failing run must return StsMemAlloc;
-// `release` then frees what the call documents as kept, and nothing may be left. Returns the number of allocations that were made to fail.
-// `check` looks at the caller's memory after each failure.
+// Runs `call` with the first, then the second, ... allocation failing until none fails any more. Each failing run must
+// return StsMemAlloc; `release` then frees what the call documents as kept, and nothing may be left. Returns the number
+// of allocations that were made to fail. `check` looks at the caller's memory after each failure.
 int failEachAllocation(const std::function<Status()>& call, const std::function<void()>& release = {},
                        const std::function<void()>& check = {});
 

@@ -28,8 +28,8 @@ private:
     std::size_t mapped;
 };
 
-// `count` elements whose address is `offset` bytes past a multiple of 64. They end as near to the unmapped page as the offset allows: with
-// `flush()` exactly there. Everything around them is filled with a pattern that `intact()` checks.
+// `count` elements whose address is `offset` bytes past a multiple of 64. They end as near to the unmapped page as the
+// offset allows: with `flush()` exactly there. Everything around them is filled with a pattern that `intact()` checks.
 template <class T>
 class Guarded
 {

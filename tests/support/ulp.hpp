@@ -47,7 +47,8 @@ template <class T>
     if (distance <= most) {
         return ::testing::AssertionSuccess();
     }
-    return ::testing::AssertionFailure() << actual << " is " << distance << " units in the last place from " << expected;
+    return ::testing::AssertionFailure() << actual << " is " << distance << " units in the last place from "
+                                         << expected;
 }
 
 // The same bits; two NaN of whatever bits count as the same.
