@@ -14,5 +14,7 @@ write_basic_package_version_file("${PROJECT_BINARY_DIR}/lyrsrConfigVersion.cmake
 install(FILES "${PROJECT_BINARY_DIR}/lyrsrConfig.cmake" "${PROJECT_BINARY_DIR}/lyrsrConfigVersion.cmake"
         DESTINATION "${LYRSR_CMAKE_DIR}")
 
+# Relative to its own place, so that an install prefix may be moved.
+file(RELATIVE_PATH LYRSR_PC_TO_PREFIX "/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/")
 configure_file(cmake/lyrsr.pc.in "${PROJECT_BINARY_DIR}/lyrsr.pc" @ONLY)
 install(FILES "${PROJECT_BINARY_DIR}/lyrsr.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
