@@ -163,6 +163,62 @@ LYRSR_API Status lyrsDiv_32f_I(const Elem32f* pSrc, Elem32f* pSrcDst, Elem32s le
 
 /** @} */
 
+/**
+ * @defgroup vector_conversion Vector conversion
+ * Conversion of `len` elements, at least 1, between element types. In a name with two type codes the first is the source, the second the result.
+ * Source and destination of elements of one size may be the same vector.
+ * @{
+ */
+
+/**
+ * @name To floating point
+ * The value in the target type, rounded by the current mode where it does not fit. The `Sfs` forms multiply the converted value by
+ * 2^(-scaleFactor), limited so that nothing overflows and the power is a normal number: `16s32f` -112 to 126, `32s32f` -96 to 126, `16s64f` -1008
+ * to 1022.
+ * @return #StsNoErr, #StsNullPtr, #StsSize
+ * @{
+ */
+LYRSR_API Status lyrsConvert_8u32f(const Elem8u* pSrc, Elem32f* pDst, Elem32s len);
+LYRSR_API Status lyrsConvert_16s32f(const Elem16s* pSrc, Elem32f* pDst, Elem32s len);
+LYRSR_API Status lyrsConvert_32s32f(const Elem32s* pSrc, Elem32f* pDst, Elem32s len);
+LYRSR_API Status lyrsConvert_64f32f(const Elem64f* pSrc, Elem32f* pDst, Elem32s len);
+LYRSR_API Status lyrsConvert_16s32f_Sfs(const Elem16s* pSrc, Elem32f* pDst, Elem32s len, Elem32s scaleFactor);
+LYRSR_API Status lyrsConvert_32s32f_Sfs(const Elem32s* pSrc, Elem32f* pDst, Elem32s len, Elem32s scaleFactor);
+LYRSR_API Status lyrsConvert_16s64f_Sfs(const Elem16s* pSrc, Elem64f* pDst, Elem32s len, Elem32s scaleFactor);
+/** @} */
+
+/**
+ * @name Floating point to integers
+ * pSrc[i] * 2^(-scaleFactor) as an integer, limited to the range of the target. The power is one of single precision in every form: 0 from a
+ * scale factor of 150 on, an infinity from -128 down. The floating-point control word and the sticky invalid flag are afterwards as before.
+ *
+ * A NaN gives the upper limit, except that in `lyrsConvert_32f32s_Sfs` one with its sign set (as 0 times an infinity makes it) gives the lower.
+ * @param pSrc        source
+ * @param pDst        destination
+ * @param len         number of elements
+ * @param rndMode     0 rounds toward zero, every other value to nearest with ties to even, in whatever mode the caller runs
+ * @param scaleFactor any value
+ * @return #StsNoErr, #StsNullPtr, #StsSize
+ * @{
+ */
+LYRSR_API Status lyrsConvert_32f16s_Sfs(const Elem32f* pSrc, Elem16s* pDst, Elem32s len, Elem32s rndMode,
+                                        Elem32s scaleFactor);
+LYRSR_API Status lyrsConvert_32f32s_Sfs(const Elem32f* pSrc, Elem32s* pDst, Elem32s len, Elem32s rndMode,
+                                        Elem32s scaleFactor);
+LYRSR_API Status lyrsConvert_64f32s_Sfs(const Elem64f* pSrc, Elem32s* pDst, Elem32s len, Elem32s rndMode,
+                                        Elem32s scaleFactor);
+/** @} */
+
+/**
+ * @name Integers to shorter integers
+ * pSrc[i] * 2^(-scaleFactor), to nearest with ties to even, limited to 16 bits. The scale factor is limited to -15 to 31.
+ * @return #StsNoErr, #StsNullPtr, #StsSize
+ * @{
+ */
+LYRSR_API Status lyrsConvert_32s16s_Sfs(const Elem32s* pSrc, Elem16s* pDst, Elem32s len, Elem32s scaleFactor);
+/** @} */
+/** @} */
+
 /* ======================================================= fft ====================================================== */
 
 /* ================================================ scoring: log domain ============================================= */
