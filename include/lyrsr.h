@@ -145,6 +145,8 @@ LYRSR_API void lyrsFree(void* p);
 /**
  * @defgroup vector_arithmetic Vector arithmetic
  * Element-wise arithmetic on vectors of `len` elements, at least 1. Sources and destination may be the same vector.
+ *
+ * Statuses are #StsNoErr and, in this order, #StsNullPtr and #StsSize, and what a group adds.
  * @{
  */
 
@@ -161,6 +163,195 @@ LYRSR_API Status lyrsDiv_64f(const Elem64f* pSrc1, const Elem64f* pSrc2, Elem64f
 LYRSR_API Status lyrsDiv_32f_I(const Elem32f* pSrc, Elem32f* pSrcDst, Elem32s len);
 /** @} */
 
+/**
+ * @name Magnitude, sum, difference, product
+ * `lyrsAbs_64f`: |pSrc[i]|. In place: pSrcDst[i] + pSrc[i] and pSrcDst[i] - pSrc[i]. `lyrsMul_32f`: pSrc1[i] *
+ * pSrc2[i].
+ * @{
+ */
+LYRSR_API Status lyrsAbs_64f(const Elem64f* pSrc, Elem64f* pDst, Elem32s len);
+LYRSR_API Status lyrsAdd_32f_I(const Elem32f* pSrc, Elem32f* pSrcDst, Elem32s len);
+LYRSR_API Status lyrsAdd_64f_I(const Elem64f* pSrc, Elem64f* pSrcDst, Elem32s len);
+LYRSR_API Status lyrsSub_32f_I(const Elem32f* pSrc, Elem32f* pSrcDst, Elem32s len);
+LYRSR_API Status lyrsSub_64f_I(const Elem64f* pSrc, Elem64f* pSrcDst, Elem32s len);
+LYRSR_API Status lyrsMul_32f(const Elem32f* pSrc1, const Elem32f* pSrc2, Elem32f* pDst, Elem32s len);
+/** @} */
+
+/**
+ * @name With a constant
+ * pSrc[i] + val, pSrc[i] * val, and pSrc[i] * (1 / val) for the quotient.
+ *
+ * A `val` of 0 in the sum and of 1 in the product leaves every element bit for bit as it is, and so does a `val` that
+ * is NaN. A `val` of 0 in the product writes zeros, over NaN and infinities too. The same holds for the reciprocal in a
+ * quotient.
+ * @return also #StsDivByZero for a divisor that is zero or NaN
+ * @{
+ */
+LYRSR_API Status lyrsAddC_32f(const Elem32f* pSrc, Elem32f val, Elem32f* pDst, Elem32s len);
+LYRSR_API Status lyrsMulC_32f(const Elem32f* pSrc, Elem32f val, Elem32f* pDst, Elem32s len);
+LYRSR_API Status lyrsMulC_64f(const Elem64f* pSrc, Elem64f val, Elem64f* pDst, Elem32s len);
+LYRSR_API Status lyrsMulC_32f_I(Elem32f val, Elem32f* pSrcDst, Elem32s len);
+LYRSR_API Status lyrsMulC_64f_I(Elem64f val, Elem64f* pSrcDst, Elem32s len);
+LYRSR_API Status lyrsDivC_32f(const Elem32f* pSrc, Elem32f val, Elem32f* pDst, Elem32s len);
+LYRSR_API Status lyrsDivC_64f(const Elem64f* pSrc, Elem64f val, Elem64f* pDst, Elem32s len);
+LYRSR_API Status lyrsDivC_32f_I(Elem32f val, Elem32f* pSrcDst, Elem32s len);
+LYRSR_API Status lyrsDivC_64f_I(Elem64f val, Elem64f* pSrcDst, Elem32s len);
+/** @} */
+
+/**
+ * @name Spectra
+ * `lyrsMagnitude_32fc`: sqrt(re^2 + im^2) in single precision; the result may be written over the start of the source.
+ *
+ * `lyrsMulPackConj_32f_I`: two spectra in Pack layout: a real value, pairs (real, imaginary) and, for an even `len`, a
+ * last real value. Real values multiply; a pair (a, b) of `pSrc` and (c, d) of `pSrcDst` becomes (a c + b d, b c - a
+ * d).
+ * @{
+ */
+LYRSR_API Status lyrsMagnitude_32fc(const Elem32fc* pSrc, Elem32f* pDst, Elem32s len);
+LYRSR_API Status lyrsMulPackConj_32f_I(const Elem32f* pSrc, Elem32f* pSrcDst, Elem32s len);
+/** @} */
+/** @} */
+
+/**
+ * @defgroup vector_functions Roots and elementary functions of vectors
+ * Element-wise on vectors of `len` elements, at least 1. Statuses are #StsNoErr and, in this order, #StsNullPtr and
+ * #StsSize, and what a group adds.
+ * @{
+ */
+
+/**
+ * @name Square root
+ * Correctly rounded. A zero keeps its sign; a negative element becomes NaN. The floating-point flags are as before the
+ * call.
+ * @return also #StsWarnSqrtNeg if an element was below zero
+ * @{
+ */
+LYRSR_API Status lyrsSqrt_64f_I(Elem64f* pSrcDst, Elem32s len);
+/** @} */
+
+/**
+ * @name Reciprocal square root with a floor
+ * An element above `val` becomes 1 / sqrt(x); every other one, NaN too, becomes `val` itself. In single precision the
+ * relative error is below 4e-7. The integer forms compute in single precision, multiply by 2^(-scaleFactor), round to
+ * nearest with ties to even and saturate.
+ *
+ * An integer element equal to `val` is a value like those above it, except in `lyrsRecSqrt_32s_Sfs` on a vector aligned
+ * to 16 bytes, where it is replaced.
+ * @return also #StsBadArg for a `val` not above 0; #StsWarnZero if every element was replaced
+ * @{
+ */
+LYRSR_API Status lyrsRecSqrt_32f(Elem32f* pSrcDst, Elem32s len, Elem32f val);
+LYRSR_API Status lyrsRecSqrt_32s_Sfs(Elem32s* pSrcDst, Elem32s len, Elem32s val, Elem32s scaleFactor);
+LYRSR_API Status lyrsRecSqrt_32s16s_Sfs(const Elem32s* pSrc, Elem16s* pDst, Elem32s len, Elem32s val,
+                                        Elem32s scaleFactor);
+/** @} */
+
+/**
+ * @name Bell and sinc
+ * exp(-x * x) and sin(x) / x, x in radians, with 1 at zero. `32f64f` forms widen each element to double first. Source
+ * and destination may be the same vector where their types are the same; vectors that overlap in part are taken element
+ * by element from the first.
+ * @{
+ */
+LYRSR_API Status lyrsExpNegSqr_32f(const Elem32f* pSrc, Elem32f* pDst, Elem32s len);
+LYRSR_API Status lyrsExpNegSqr_32f64f(const Elem32f* pSrc, Elem64f* pDst, Elem32s len);
+LYRSR_API Status lyrsExpNegSqr_64f(const Elem64f* pSrc, Elem64f* pDst, Elem32s len);
+LYRSR_API Status lyrsExpNegSqr_32f_I(Elem32f* pSrcDst, Elem32s len);
+LYRSR_API Status lyrsExpNegSqr_64f_I(Elem64f* pSrcDst, Elem32s len);
+LYRSR_API Status lyrsSinC_32f(const Elem32f* pSrc, Elem32f* pDst, Elem32s len);
+LYRSR_API Status lyrsSinC_32f64f(const Elem32f* pSrc, Elem64f* pDst, Elem32s len);
+LYRSR_API Status lyrsSinC_64f(const Elem64f* pSrc, Elem64f* pDst, Elem32s len);
+LYRSR_API Status lyrsSinC_32f_I(Elem32f* pSrcDst, Elem32s len);
+LYRSR_API Status lyrsSinC_64f_I(Elem64f* pSrcDst, Elem32s len);
+/** @} */
+
+/**
+ * @name Unit curve
+ * A smooth step: 0 up to 0, x^2 up to 1, 4 x - x^2 - 2 up to 2, and 2 from there on and for NaN.
+ *
+ * The integer forms read elements with `qIn` fractional bits and evaluate the curve with 2 * `qIn` of them, with one =
+ * 2^qIn: 0 below 1, x^2 below one, 2 one^2 - (2 one - x)^2 below 2 one, 2 one^2 from there. The value is shifted by
+ * `scaleFactor` + 2 * `qIn`, to the right by truncation, to the left where that is negative, and limited to 32767. A
+ * `qIn` outside 0 to 14 clears the destination.
+ * @{
+ */
+LYRSR_API Status lyrsUnitCurve_32f(const Elem32f* pSrc, Elem32f* pDst, Elem32s len);
+LYRSR_API Status lyrsUnitCurve_32f_I(Elem32f* pSrcDst, Elem32s len);
+LYRSR_API Status lyrsUnitCurve_16s_Sfs(const Elem16s* pSrc, Elem32s qIn, Elem16s* pDst, Elem32s len,
+                                       Elem32s scaleFactor);
+LYRSR_API Status lyrsUnitCurve_16s_ISfs(Elem16s* pSrcDst, Elem32s qIn, Elem32s len, Elem32s scaleFactor);
+/** @} */
+/** @} */
+
+/**
+ * @defgroup vector_extrema Extremes of vectors
+ * Of vectors of `len` elements, at least 1. Statuses are #StsNoErr and, in this order, #StsNullPtr and #StsSize, and
+ * what a group adds.
+ *
+ * The result is that of a scan from the first element by strict comparison: a NaN is passed over, unless it is the
+ * first element, which is then the result. Of a plus and a minus zero either may be the result where no index is asked
+ * for.
+ * @{
+ */
+
+/**
+ * @name Largest and smallest element
+ * `Indx` forms also tell where the extreme first occurs; with a null `pIndx` they are the plain forms.
+ * @{
+ */
+LYRSR_API Status lyrsMax_32f(const Elem32f* pSrc, Elem32s len, Elem32f* pResult);
+LYRSR_API Status lyrsMax_64f(const Elem64f* pSrc, Elem32s len, Elem64f* pResult);
+LYRSR_API Status lyrsMin_32f(const Elem32f* pSrc, Elem32s len, Elem32f* pResult);
+LYRSR_API Status lyrsMin_64f(const Elem64f* pSrc, Elem32s len, Elem64f* pResult);
+LYRSR_API Status lyrsMinMax_32f(const Elem32f* pSrc, Elem32s len, Elem32f* pMin, Elem32f* pMax);
+LYRSR_API Status lyrsMaxIndx_32f(const Elem32f* pSrc, Elem32s len, Elem32f* pResult, Elem32s* pIndx);
+LYRSR_API Status lyrsMaxIndx_64f(const Elem64f* pSrc, Elem32s len, Elem64f* pResult, Elem32s* pIndx);
+LYRSR_API Status lyrsMinIndx_32f(const Elem32f* pSrc, Elem32s len, Elem32f* pResult, Elem32s* pIndx);
+/** @} */
+
+/**
+ * @name Element-wise larger or smaller
+ * pSrcDst[i] becomes pSrc[i] where that is strictly larger (smaller), and so stays as it is where either is NaN.
+ * @{
+ */
+LYRSR_API Status lyrsMaxEvery_32f_I(const Elem32f* pSrc, Elem32f* pSrcDst, Elem32s len);
+LYRSR_API Status lyrsMinEvery_32f_I(const Elem32f* pSrc, Elem32f* pSrcDst, Elem32s len);
+LYRSR_API Status lyrsMinEvery_32s_I(const Elem32s* pSrc, Elem32s* pSrcDst, Elem32s len);
+/** @} */
+
+/**
+ * @name N-th largest element
+ * The element at index `N` of the vector in descending order; 0 is the largest.
+ * @return also #StsBadArg for an `N` outside 0 to `len` - 1, #StsMemAlloc
+ * @{
+ */
+LYRSR_API Status lyrsNthMaxElement_32s(const Elem32s* pSrc, Elem32s len, Elem32s N, Elem32s* pRes);
+LYRSR_API Status lyrsNthMaxElement_32f(const Elem32f* pSrc, Elem32s len, Elem32s N, Elem32f* pRes);
+LYRSR_API Status lyrsNthMaxElement_64f(const Elem64f* pSrc, Elem32s len, Elem32s N, Elem64f* pRes);
+/** @} */
+/** @} */
+
+/**
+ * @defgroup vector_fill Setting and copying vectors
+ * Of vectors of `len` elements, at least 1. `lyrsMove_32f` is the copy whose vectors may overlap.
+ * @return #StsNoErr; in this order #StsNullPtr, #StsSize
+ * @{
+ */
+LYRSR_API Status lyrsSet_8u(Elem8u val, Elem8u* pDst, Elem32s len);
+LYRSR_API Status lyrsSet_16s(Elem16s val, Elem16s* pDst, Elem32s len);
+LYRSR_API Status lyrsSet_32s(Elem32s val, Elem32s* pDst, Elem32s len);
+LYRSR_API Status lyrsSet_32f(Elem32f val, Elem32f* pDst, Elem32s len);
+LYRSR_API Status lyrsSet_64f(Elem64f val, Elem64f* pDst, Elem32s len);
+LYRSR_API Status lyrsZero_8u(Elem8u* pDst, Elem32s len);
+LYRSR_API Status lyrsZero_16s(Elem16s* pDst, Elem32s len);
+LYRSR_API Status lyrsZero_32f(Elem32f* pDst, Elem32s len);
+LYRSR_API Status lyrsZero_64f(Elem64f* pDst, Elem32s len);
+LYRSR_API Status lyrsCopy_8u(const Elem8u* pSrc, Elem8u* pDst, Elem32s len);
+LYRSR_API Status lyrsCopy_16s(const Elem16s* pSrc, Elem16s* pDst, Elem32s len);
+LYRSR_API Status lyrsCopy_32s(const Elem32s* pSrc, Elem32s* pDst, Elem32s len);
+LYRSR_API Status lyrsCopy_32f(const Elem32f* pSrc, Elem32f* pDst, Elem32s len);
+LYRSR_API Status lyrsCopy_64f(const Elem64f* pSrc, Elem64f* pDst, Elem32s len);
+LYRSR_API Status lyrsMove_32f(const Elem32f* pSrc, Elem32f* pDst, Elem32s len);
 /** @} */
 
 /**

@@ -1,0 +1,92 @@
+// The N-th largest element, by quick-select (Hoare, Algorithm 65: Find, CACM 4(7), 1961).
+
+#include "frame/check.hpp"
+#include "lyrsr.h"
+#include "vector/elements.hpp"
+
+#include <utility>
+
+namespace {
+
+// NaN counts as equal to NaN here alone, where it ends the search in a vector of nothing else.
+template <class T>
+bool same(T a, T b)
+{
+    return a == b || (a != a && b != b);
+}
+
+// What stands at index n of p in descending order, 0 <= n < len. Reorders p.
+template <class T>
+T select(T* p, Elem32s len, Elem32s n)
+{
+    Elem32s lo = 0;
+    Elem32s hi = len - 1;
+    for (;;) {
+        const T pivot = p[lo];
+        Elem32s i = lo + 1;
+        Elem32s j = hi;
+        for (;;) {
+            while (i <= j && !(p[i] < pivot)) {
+                ++i;
+            }
+            while (i <= j && p[j] < pivot) {
+                --j;
+            }
+            if (i >= j) {
+                break;
+            }
+            std::swap(p[i++], p[j--]);
+        }
+        // Now what lies left of i is not below the pivot; it takes its place as the last of these, behind its equals
+        // next to it.
+        std::swap(p[lo], p[i - 1]);
+        Elem32s first = i - 1;
+        while (first > lo && same(p[first - 1], pivot)) {
+            --first;
+        }
+        if (first <= n && n < i) {
+            return pivot;
+        }
+        const Elem32s size = hi - lo;
+        if (n < first) {
+            hi = first - 1;
+        } else {
+            lo = i;
+        }
+        // A pass that took little away (a vector that is in order, say) has the next one start from the middle element.
+        if (hi - lo > size - size / 8) {
+            std::swap(p[lo], p[lo + (hi - lo) / 2]);
+        }
+    }
+}
+
+template <class T>
+Status nthMaxElement(T* (*allocate)(Elem32s), const T* src, Elem32s len, Elem32s n, T* result)
+{
+    T* const work = allocate(len);
+    LYR_CHECK(require(work != nullptr, StsMemAlloc));
+    lyr::copyElements(src, work, len);
+    *result = select(work, len, n);
+    lyrsFree(work);
+    return StsNoErr;
+}
+
+} // namespace
+
+Status lyrsNthMaxElement_32s(const Elem32s* pSrc, Elem32s len, Elem32s N, Elem32s* pRes)
+{
+    LYR_CHECK(pointers(pSrc, pRes), sizes(len), require(N >= 0 && N < len, StsBadArg));
+    return nthMaxElement(lyrsMalloc_32s, pSrc, len, N, pRes);
+}
+
+Status lyrsNthMaxElement_32f(const Elem32f* pSrc, Elem32s len, Elem32s N, Elem32f* pRes)
+{
+    LYR_CHECK(pointers(pSrc, pRes), sizes(len), require(N >= 0 && N < len, StsBadArg));
+    return nthMaxElement(lyrsMalloc_32f, pSrc, len, N, pRes);
+}
+
+Status lyrsNthMaxElement_64f(const Elem64f* pSrc, Elem32s len, Elem32s N, Elem64f* pRes)
+{
+    LYR_CHECK(pointers(pSrc, pRes), sizes(len), require(N >= 0 && N < len, StsBadArg));
+    return nthMaxElement(lyrsMalloc_64f, pSrc, len, N, pRes);
+}
