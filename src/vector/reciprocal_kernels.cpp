@@ -5,22 +5,26 @@
 namespace lyr::LYR_NS {
 namespace {
 
-// Past these magnitudes the estimate is zero or infinite, and the quotient is taken as it is defined.
-constexpr Elem32f smallest = __FLT_MIN__;
-constexpr Elem32f largest = 0x1p126F;
+// Past these magnitudes the estimate is zero or infinite, and the quotient is taken as it is defined. Magnitudes are
+// compared by their bits: a comparison of numbers raises the invalid flag for a NaN, and the flag is the caller's to
+// look at.
+constexpr Elem32s smallest = 0x00800000; // 2^-126
+constexpr Elem32s largest = 0x7E800000;  // 2^126
+constexpr Elem32s infinity = 0x7F800000;
 
 // The estimate of a zero is an infinity, and their product is the invalid operation that the caller looks for.
 LYR_INLINE F32 reciprocal(F32 x)
 {
-    const F32 magnitude = abs(x);
-    const auto zero = magnitude == F32{};
-    const auto beyond = ~zero & ((magnitude < splat(smallest)) | (magnitude > splat(largest)));
+    const I32 magnitude = as<I32>(abs(x));
+    const auto zero = magnitude == I32{};
+    const auto beyond =
+        ~zero & ((magnitude < splat(smallest)) | ((magnitude > splat(largest)) & (magnitude <= splat(infinity))));
     const F32 d = beyond ? splat(1.0F) : x;
     const F32 r = reciprocalEstimate(d);
-    F32 result = r * (2.0F - d * r);
-    result = zero ? r : result;
+    const F32 refined = r * (2.0F - d * r);
+    const F32 result = zero ? r : refined;
     if (any(beyond)) [[unlikely]] {
-        result = beyond ? 1.0F / (beyond ? x : splat(1.0F)) : result;
+        return beyond ? 1.0F / (beyond ? x : splat(1.0F)) : result;
     }
     return result;
 }

@@ -1,7 +1,7 @@
 #include "vector/roots_kernels.hpp"
 
 #include "frame/simd.hpp"
-#include "vector/narrow.hpp"
+#include "frame/simd_mixed.hpp"
 
 namespace lyr::LYR_NS {
 namespace {
@@ -86,7 +86,7 @@ LYR_INLINE void storeIntegers(Elem32s* p, I32 v)
 }
 LYR_INLINE void storeIntegers(Elem16s* p, I32 v)
 {
-    storeNarrow(p, v);
+    storeSaturated(p, v);
 }
 LYR_INLINE void storeIntegersTail(Elem32s* p, I32 v, int n)
 {
@@ -94,7 +94,7 @@ LYR_INLINE void storeIntegersTail(Elem32s* p, I32 v, int n)
 }
 LYR_INLINE void storeIntegersTail(Elem16s* p, I32 v, int n)
 {
-    storeNarrowTail(p, v, n);
+    storeSaturatedTail(p, v, n);
 }
 
 // The processor's own root and quotient, so that a value half way between two integers is seen as one.

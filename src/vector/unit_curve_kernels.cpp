@@ -1,7 +1,7 @@
 #include "vector/unit_curve_kernels.hpp"
 
+#include "frame/simd_mixed.hpp"
 #include "vector/map.hpp"
-#include "vector/narrow.hpp"
 
 namespace lyr::LYR_NS {
 namespace {
@@ -38,14 +38,14 @@ LYR_INLINE void curveIntegers(const Elem16s* src, Elem16s* dst, Elem32s len, int
         const I32 x = least(greatest(n, I32{}), two);
         const I32 fromTop = two - x;
         const I32 y = x < one ? x * x : top - fromTop * fromTop;
-        return least(shift(y), splat(Elem32s{INT16_MAX}));
+        return shift(y); // the store limits it
     };
     std::ptrdiff_t i = 0;
     for (; i + L <= len; i += L) {
-        storeNarrow(dst + i, curve(loadWide(src + i)));
+        storeSaturated(dst + i, curve(loadWide(src + i)));
     }
     if (const int rest = static_cast<int>(len - i); rest != 0) {
-        storeNarrowTail(dst + i, curve(loadWideTail(src + i, rest)), rest);
+        storeSaturatedTail(dst + i, curve(loadWideTail(src + i, rest)), rest);
     }
 }
 

@@ -1,0 +1,135 @@
+// The N-th largest element: every N of short vectors, and the vectors that a selection finds hard.
+
+#include "lyrsr.h"
+
+#include <algorithm>
+#include <cmath>
+#include <gtest/gtest.h>
+#include <limits>
+#include <numeric>
+#include <vector>
+
+#include "oracle/vector_extrema.hpp"
+#include "support/allocation.hpp"
+#include "support/guarded.hpp"
+#include "support/random.hpp"
+
+namespace {
+
+using lyr::test::Guarded;
+using lyr::test::Random;
+
+Status nth(const Elem32s* p, Elem32s len, Elem32s n, Elem32s* r)
+{
+    return lyrsNthMaxElement_32s(p, len, n, r);
+}
+Status nth(const Elem32f* p, Elem32s len, Elem32s n, Elem32f* r)
+{
+    return lyrsNthMaxElement_32f(p, len, n, r);
+}
+Status nth(const Elem64f* p, Elem32s len, Elem32s n, Elem64f* r)
+{
+    return lyrsNthMaxElement_64f(p, len, n, r);
+}
+
+template <class T>
+void expectEveryN(const std::vector<T>& x)
+{
+    const Guarded<T> src(x, Guarded<T>::flush(x.size()));
+    const auto len = static_cast<Elem32s>(x.size());
+    for (Elem32s n = 0; n < len; ++n) {
+        T result = -77;
+        ASSERT_EQ(nth(src.data(), len, n, &result), StsNoErr);
+        ASSERT_EQ(result, lyr::oracle::nthLargest(x, n)) << "n " << n << " of " << len;
+    }
+    ASSERT_EQ(src.copy(), x) << "the source is as it was";
+}
+
+template <class T>
+class NthMaxElement : public ::testing::Test
+{};
+using Types = ::testing::Types<Elem32s, Elem32f, Elem64f>;
+TYPED_TEST_SUITE(NthMaxElement, Types);
+
+TYPED_TEST(NthMaxElement, EveryIndexOfShortVectors)
+{
+    using T = TypeParam;
+    Random random(17);
+    for (std::size_t len = 1; len <= 40; ++len) {
+        expectEveryN(random.vector<T>(len, T(-1000), T(1000)));
+        std::vector<T> few(len);
+        for (T& x : few) {
+            x = static_cast<T>(random.uniform(0, 3));
+        }
+        expectEveryN(few);
+        expectEveryN(std::vector<T>(len, T(5)));
+        std::vector<T> ordered(len);
+        std::iota(ordered.begin(), ordered.end(), T(0));
+        expectEveryN(ordered);
+        std::reverse(ordered.begin(), ordered.end());
+        expectEveryN(ordered);
+    }
+}
+
+TYPED_TEST(NthMaxElement, LongVectors)
+{
+    using T = TypeParam;
+    Random random(19);
+    const std::size_t len = 20000;
+    const auto x = random.vector<T>(len, T(-100000), T(100000));
+    std::vector<T> sorted(x);
+    std::sort(sorted.begin(), sorted.end(), std::greater<T>{});
+    for (const Elem32s n : {0, 1, 9999, 10000, 19998, 19999}) {
+        T result = 0;
+        ASSERT_EQ(nth(x.data(), static_cast<Elem32s>(len), n, &result), StsNoErr);
+        ASSERT_EQ(result, sorted[static_cast<std::size_t>(n)]);
+    }
+}
+
+// A million elements in order, or all the same, or all NaN: a selection that took one element away at a time would not
+// come back.
+TYPED_TEST(NthMaxElement, OrderedAndConstantVectorsTakeNoLonger)
+{
+    using T = TypeParam;
+    const Elem32s len = 1000000;
+    std::vector<T> x(static_cast<std::size_t>(len));
+    std::iota(x.begin(), x.end(), T(0));
+    T result = 0;
+    ASSERT_EQ(nth(x.data(), len, len / 2, &result), StsNoErr);
+    EXPECT_EQ(result, T(len - 1 - len / 2));
+    std::reverse(x.begin(), x.end());
+    ASSERT_EQ(nth(x.data(), len, len / 2, &result), StsNoErr);
+    EXPECT_EQ(result, T(len - 1 - len / 2));
+    std::fill(x.begin(), x.end(), T(3));
+    for (const Elem32s n : {0, len / 2, len - 1}) {
+        ASSERT_EQ(nth(x.data(), len, n, &result), StsNoErr);
+        EXPECT_EQ(result, T(3));
+    }
+    if constexpr (std::numeric_limits<T>::has_quiet_NaN) {
+        std::fill(x.begin(), x.end(), std::numeric_limits<T>::quiet_NaN());
+        ASSERT_EQ(nth(x.data(), len, len - 1, &result), StsNoErr);
+        EXPECT_TRUE(std::isnan(result));
+    }
+}
+
+TYPED_TEST(NthMaxElement, RejectsIndicesOutsideAndFailedAllocation)
+{
+    using T = TypeParam;
+    const T x[] = {3, 1, 2};
+    T result = 42;
+    EXPECT_EQ(nth(x, 3, -1, &result), StsBadArg);
+    EXPECT_EQ(nth(x, 3, 3, &result), StsBadArg);
+    EXPECT_EQ(nth(x, 0, 3, &result), StsSize) << "the length comes ahead of the index";
+    EXPECT_EQ(nth(static_cast<const T*>(nullptr), 0, -1, &result), StsNullPtr);
+    EXPECT_EQ(result, T(42));
+    const int failed =
+        lyr::test::failEachAllocation([&] { return nth(x, 3, 1, &result); }, {}, [&] { EXPECT_EQ(result, T(42)); });
+    EXPECT_EQ(failed, 1);
+    EXPECT_EQ(result, T(2));
+    const long live = lyr::test::liveAllocations();
+    const Status status = nth(x, 3, 0, &result);
+    EXPECT_EQ(lyr::test::liveAllocations(), live);
+    EXPECT_EQ(status, StsNoErr);
+}
+
+} // namespace
