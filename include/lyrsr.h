@@ -412,6 +412,108 @@ LYRSR_API Status lyrsConvert_32s16s_Sfs(const Elem32s* pSrc, Elem16s* pDst, Elem
 
 /* ======================================================= fft ====================================================== */
 
+/**
+ * @defgroup fft Real FFT
+ * The transform of N = 2^`order` reals to their spectrum, X[k] = sum of x[n] exp(-2 pi i n k / N), and back with the positive exponent. Without
+ * scaling, a forward and an inverse transform in sequence multiply the signal by N.
+ *
+ * | `flag` | forward scales by | inverse scales by |
+ * |---|---|---|
+ * | 1 | 1/N | 1 |
+ * | 2 | 1 | 1/N |
+ * | 4 | 1/sqrt(N) | 1/sqrt(N) |
+ * | 8 | 1 | 1 |
+ *
+ * A spectrum is laid out in one of three ways (R real parts, I imaginary parts, by index):
+ *
+ * | Layout | Elements | Order |
+ * |---|---|---|
+ * | Pack | N | R0, R1, I1, R2, I2, ..., R(N/2) |
+ * | Perm | N | R0, R(N/2), R1, I1, R2, I2, ... |
+ * | CCS | N + 2 | R0, 0, R1, I1, R2, I2, ..., R(N/2), 0 |
+ *
+ * For N = 1, Pack and Perm are R0 and CCS is R0, 0; for N = 2, Pack and Perm are R0, R1 and CCS is R0, 0, R1, 0.
+ *
+ * A record is built by an `InitAlloc` form, or by an `Init` form in memory of the size that the `GetSize` form tells. It is read-only from then
+ * on, and threads may share it if each brings its own work buffer, or none. Memory handed to an `Init` form is aligned as a pointer is, at least
+ * (8 bytes in the 64-bit library).
+ *
+ * Source and destination of a transform may be the same vector, and nothing is asked of their alignment. The result is the same, bit by bit.
+ * @{
+ */
+/** State of lyrsFFTFwd_RToPack_32f() and its kin. */
+typedef struct FFTSpec_R_32f FFTSpec_R_32f;
+/** State of lyrsFFTFwd_RToCCS_16s32s_Sfs(). */
+typedef struct FFTSpec_R_16s32s FFTSpec_R_16s32s;
+
+/**
+ * @name Sizes
+ * The order is checked first, then the pointers, then the flag.
+ * @param order 0 to 30, else #StsFftOrder
+ * @param flag 1, 2, 4 or 8, else #StsFftFlag
+ * @param hint ignored
+ * @param pSpecSize bytes of the record
+ * @param pInitBufSize bytes that the initialisation works in; 0 if none
+ * @param pBufSize bytes that a transform works in; 0 if none
+ * @{
+ */
+LYRSR_API Status lyrsFFTGetSize_R_32f(Elem32s order, Elem32s flag, Elem32s hint, Elem32s* pSpecSize, Elem32s* pInitBufSize, Elem32s* pBufSize);
+LYRSR_API Status lyrsFFTGetSize_R_16s32s(Elem32s order, Elem32s flag, Elem32s hint, Elem32s* pSpecSize, Elem32s* pInitBufSize, Elem32s* pBufSize);
+/** @} */
+
+/**
+ * @name Initialisation in the caller's memory
+ * @param ppSpec receives the address of the record, which lies inside `pMem`
+ * @param pMem the record's memory, which stays the caller's; written also when the flag is refused
+ * @param pInitBuf needed from order 11 on, and free again after the call
+ * @{
+ */
+LYRSR_API Status lyrsFFTInit_R_32f(FFTSpec_R_32f** ppSpec, Elem32s order, Elem32s flag, Elem32s hint, Elem8u* pMem, Elem8u* pInitBuf);
+LYRSR_API Status lyrsFFTInit_R_16s32s(FFTSpec_R_16s32s** ppSpec, Elem32s order, Elem32s flag, Elem32s hint, Elem8u* pMem, Elem8u* pInitBuf);
+/** @} */
+
+/**
+ * @name Initialisation in allocated memory, to be released by the free form
+ * @return #StsNullPtr, #StsFftOrder, #StsFftFlag or #StsMemAlloc
+ * @{
+ */
+LYRSR_API Status lyrsFFTInitAlloc_R_32f(FFTSpec_R_32f** ppSpec, Elem32s order, Elem32s flag, Elem32s hint);
+LYRSR_API Status lyrsFFTInitAlloc_R_16s32s(FFTSpec_R_16s32s** ppSpec, Elem32s order, Elem32s flag, Elem32s hint);
+/** @} */
+
+/**
+ * @name End of a record
+ * Its tag is cleared, so that no function takes it any more (#StsContext), and memory of an `InitAlloc` form is released.
+ * @{
+ */
+LYRSR_API Status lyrsFFTFree_R_32f(FFTSpec_R_32f* pSpec);
+LYRSR_API Status lyrsFFTFree_R_16s32s(FFTSpec_R_16s32s* pSpec);
+/** @} */
+
+/** Bytes that a transform with this record works in; 0 if none. */
+LYRSR_API Status lyrsFFTGetBufSize_R_32f(const FFTSpec_R_32f* pSpec, Elem32s* pBufSize);
+
+/**
+ * @name Signal to spectrum
+ * @param pBuffer work memory of the told size, of any alignment; null: it is allocated for the time of the call
+ * @return #StsNullPtr (record), #StsContext, #StsNullPtr (vectors) or #StsMemAlloc
+ * @{
+ */
+LYRSR_API Status lyrsFFTFwd_RToPack_32f(const Elem32f* pSrc, Elem32f* pDst, const FFTSpec_R_32f* pSpec, Elem8u* pBuffer);
+LYRSR_API Status lyrsFFTFwd_RToPerm_32f(const Elem32f* pSrc, Elem32f* pDst, const FFTSpec_R_32f* pSpec, Elem8u* pBuffer);
+LYRSR_API Status lyrsFFTFwd_RToCCS_32f(const Elem32f* pSrc, Elem32f* pDst, const FFTSpec_R_32f* pSpec, Elem8u* pBuffer);
+/** @} */
+
+/** Spectrum to signal; arguments and result as of the forward transforms. */
+LYRSR_API Status lyrsFFTInv_PackToR_32f(const Elem32f* pSrc, Elem32f* pDst, const FFTSpec_R_32f* pSpec, Elem8u* pBuffer);
+
+/**
+ * Spectrum of 16-bit samples, transformed in single precision and converted with #StsNoErr also where it saturates. From order 29 on the work
+ * memory is beyond a 32-bit size, and the result is #StsMemAlloc.
+ */
+LYRSR_API Status lyrsFFTFwd_RToCCS_16s32s_Sfs(const Elem16s* pSrc, Elem32s* pDst, const FFTSpec_R_16s32s* pSpec, Elem32s scaleFactor, Elem8u* pBuffer);
+/** @} */
+
 /* ================================================ scoring: log domain ============================================= */
 
 /* ========================================= scoring: one diagonal Gaussian ========================================= */

@@ -1,0 +1,131 @@
+#include "fft/fft_kernels.hpp"
+
+#include "fft/fft_complex.hpp"
+
+namespace lyr::LYR_NS {
+namespace fft {
+namespace {
+
+using lyr::fft::phasorsAt;
+using lyr::fft::planOf;
+
+constexpr int widest = vectorBytes / 4;
+
+// M of 8 and 16: all in registers, the same butterflies on single numbers.
+template <int Bits, bool Inverse>
+LYR_INLINE void transformPoints(const float* src, float* dst)
+{
+    Complex<float> z[1 << Bits];
+    unroll<1 << Bits>([&](auto i) __attribute__((always_inline)) {
+        z[i] = loadPairs<float>(src + 2 * i);
+        z[i] = Inverse ? swapParts(z[i]) : z[i];
+    });
+    butterfly<Bits>(z);
+    unroll<1 << Bits>([&](auto i) __attribute__((always_inline)) {
+        storePairs(dst + 2 * i, Inverse ? swapParts(z[i]) : z[i]);
+    });
+}
+
+void copy(float* dst, const float* src, std::ptrdiff_t count)
+{
+    if (dst != src) {
+        __builtin_memmove(dst, src, static_cast<std::size_t>(count) * sizeof(float));
+    }
+}
+
+template <int W>
+void forwardTransform(const FFTSpec_R_32f& spec, const Plan& plan, const float* src, float* work, const Spectrum& out)
+{
+    const auto m = static_cast<std::ptrdiff_t>(plan.length());
+    if constexpr (W == 1) {
+        float z[32];
+        m == 8 ? transformPoints<3, false>(src, z) : transformPoints<4, false>(src, z);
+        const Complex<float> first = loadPairs<float>(z);
+        recombineInOrder<1, false>(z, 0, z, m, out.u, 0.5F * out.norm);
+        copy(out.at(1), z + 2, 2 * m - 2);
+        out.putEnds(first);
+    } else {
+        using V = Vec<W>;
+        const Tables tables = tablesOf(spec, plan);
+        if (!plan.isLarge()) {
+            smallTransform<V>(tables, PairRows<V, false>{src, rowFloats<V>}, out, work);
+        } else if (plan.splits == 0) {
+            largeTransform<V, false>(tables, src, out, work);
+        } else {
+            copy(out.dst, src, 2 * m);
+            splitTransform<V, false>(tables, spec.pBlkTwd, 0, out.dst, work);
+            const Complex<float> first = loadPairs<float>(out.dst);
+            recombineInOrder<W, false>(out.dst, 0, out.dst, m, out.u, 0.5F * out.norm);
+            copy(out.at(1), out.dst + 2, 2 * m - 2);
+            out.putEnds(first);
+        }
+    }
+}
+
+template <int W>
+void inverseTransform(const FFTSpec_R_32f& spec, const Plan& plan, const float* src, float* dst, float* work)
+{
+    const auto m = static_cast<std::ptrdiff_t>(plan.length());
+    const float norm = spec.invNorm != 0 ? spec.normFactor : 1.0F;
+    const float first = src[0];
+    const float last = src[2 * m - 1];
+    recombineInOrder<W, true>(src, 1, dst, m, phasorsAt(spec.pCcsRec, plan.logRows), norm);
+    dst[0] = norm * (first + last);
+    dst[1] = norm * (first - last);
+    if constexpr (W == 1) {
+        m == 8 ? transformPoints<3, true>(dst, dst) : transformPoints<4, true>(dst, dst);
+    } else {
+        using V = Vec<W>;
+        const Tables tables = tablesOf(spec, plan);
+        if (!plan.isLarge()) {
+            smallTransform<V>(tables, PairRows<V, true>{dst, rowFloats<V>}, Points<true>{dst}, work);
+        } else {
+            splitTransform<V, true>(tables, spec.pBlkTwd, 0, dst, work);
+        }
+    }
+}
+
+// The kernel for the number of lanes that the plan of this order has.
+template <class Run>
+LYR_INLINE void withLanes(const Plan& plan, Run run)
+{
+    switch (plan.lanes) {
+    case 1:
+        return run(std::integral_constant<int, 1>{});
+    case 4:
+        return run(std::integral_constant<int, 4>{});
+#if LYR_WIDTH >= 256
+    case 8:
+        return run(std::integral_constant<int, 8>{});
+#endif
+#if LYR_WIDTH >= 512
+    case 16:
+        return run(std::integral_constant<int, 16>{});
+#endif
+    default:
+        __builtin_unreachable();
+    }
+}
+
+void forward(const FFTSpec_R_32f& spec, const Elem32f* src, Elem32f* dst, float* work, Layout layout)
+{
+    const Plan plan = planOf(spec.order, widest);
+    const Spectrum out{dst, std::ptrdiff_t{1} << spec.order, layout, spec.fwdNorm != 0 ? spec.normFactor : 1.0F,
+                       phasorsAt(spec.pRealRec, plan.logRows)};
+    withLanes(
+        plan, [&](auto lanes) __attribute__((always_inline)) { forwardTransform<lanes>(spec, plan, src, work, out); });
+}
+
+void inverse(const FFTSpec_R_32f& spec, const Elem32f* src, Elem32f* dst, float* work)
+{
+    const Plan plan = planOf(spec.order, widest);
+    withLanes(
+        plan, [&](auto lanes) __attribute__((always_inline)) { inverseTransform<lanes>(spec, plan, src, dst, work); });
+}
+
+} // namespace
+} // namespace fft
+
+extern const FftKernels fftKernels = {fft::widest, fft::forward, fft::inverse};
+
+} // namespace lyr::LYR_NS
