@@ -410,6 +410,118 @@ LYRSR_API Status lyrsConvert_32s16s_Sfs(const Elem32s* pSrc, Elem16s* pDst, Elem
 /** @} */
 /** @} */
 
+/**
+ * @defgroup vector_fixed Vector arithmetic in fixed point
+ * @{
+ */
+
+/**
+ * @name Product
+ * pDst[i] = pSrc1[i] * pSrc2[i] * 2^(-scaleFactor), to nearest with ties to even, limited to 16 bits. A scale factor above 30 gives zeros.
+ * @return #StsNoErr, #StsNullPtr, #StsSize
+ * @{
+ */
+LYRSR_API Status lyrsMul_16s_Sfs(const Elem16s* pSrc1, const Elem16s* pSrc2, Elem16s* pDst, Elem32s len,
+                                 Elem32s scaleFactor);
+/** @} */
+
+/**
+ * @name Magnitude
+ * pDst[i] = |pSrc[i]| * 2^(-scaleFactor), computed in double precision, limited to 2147483647 and rounded to nearest with ties to even in
+ * whatever mode the caller runs. A scale factor above 32 gives zeros; one below -30 gives 2147483647 for every element that is not zero.
+ * @return #StsNoErr, #StsNullPtr, #StsSize
+ * @{
+ */
+LYRSR_API Status lyrsMagnitude_32sc_Sfs(const Elem32sc* pSrc, Elem32s* pDst, Elem32s len, Elem32s scaleFactor);
+/** @} */
+/** @} */
+
+/**
+ * @defgroup vector_log Natural logarithms
+ * @{
+ */
+
+/**
+ * @name Logarithm of single precision
+ * pSrcDst[i] = ln pSrcDst[i], within 2 units in the last place. A zero of either sign gives minus infinity, a negative element NaN; plus
+ * infinity and NaN stay as they are.
+ * @return #StsNoErr, #StsNullPtr, #StsSize; with every element written, what the first zero or negative element decides: #StsWarnInf for a zero,
+ *         #StsWarnNan for a negative one
+ * @{
+ */
+LYRSR_API Status lyrsLn_32f_I(Elem32f* pSrcDst, Elem32s len);
+/** @} */
+
+/**
+ * @name Logarithm of integers
+ * With `scaleFactor` 0 or above: the integer nearest to ln x, shifted right by `scaleFactor` modulo 32 bits without rounding. Below 0:
+ * ln x * 2^(-scaleFactor) from a logarithm of single precision, rounded to nearest and limited to 32 bits. A zero or negative element gives
+ * -2147483648.
+ * @return #StsNoErr, #StsNullPtr, #StsSize; with every element written, what the first zero or negative element decides: #StsWarnInf for a zero,
+ *         #StsWarnNan for a negative one
+ * @{
+ */
+LYRSR_API Status lyrsLn_32s_Sfs(const Elem32s* pSrc, Elem32s* pDst, Elem32s len, Elem32s scaleFactor);
+LYRSR_API Status lyrsLn_32s_ISfs(Elem32s* pSrcDst, Elem32s len, Elem32s scaleFactor);
+/** @} */
+
+/**
+ * @name Sum of logarithms
+ * *pSum = sum over i of ln pSrc[i], from products of mantissas in double precision. The first element that is not positive and finite decides the
+ * whole result:
+ *
+ * | element | *pSum | status |
+ * |---|---|---|
+ * | plus zero | plus infinity | #StsWarnInf |
+ * | sign bit set, minus zero and NaN included | NaN | #StsWarnNan |
+ * | plus infinity | plus infinity | #StsNoErr |
+ * | NaN with a clear sign | NaN with its sign set | #StsNoErr |
+ *
+ * @return as above; #StsNullPtr, #StsSize
+ * @{
+ */
+LYRSR_API Status lyrsSumLn_32f(const Elem32f* pSrc, Elem32s len, Elem32f* pSum);
+LYRSR_API Status lyrsSumLn_64f(const Elem64f* pSrc, Elem32s len, Elem64f* pSum);
+/** @} */
+/** @} */
+
+/**
+ * @defgroup vector_sum Sums and dot products
+ * Reductions of `len` elements, at least 1, to one value. Sums of floating-point numbers run in any order unless told otherwise.
+ * @{
+ */
+
+/**
+ * @name Sum
+ * `lyrsSum_32f` with `hint` 1 adds in single precision, at most 32768 elements at a time, and joins these sums in extended precision. With any
+ * other `hint` it adds every element in extended precision, in eight sums that take turns. `pSrc` may stand at any address, aligned to its
+ * elements or not.
+ *
+ * The fixed-point forms scale an exact sum by 2^(-scaleFactor) and limit it to 32 bits: `lyrsSum_16s32s_Sfs` rounds by the floating-point
+ * rounding mode in force, `lyrsSum_32s_Sfs` to nearest with ties to even.
+ * @return #StsNoErr, #StsNullPtr, #StsSize
+ * @{
+ */
+LYRSR_API Status lyrsSum_32f(const Elem32f* pSrc, Elem32s len, Elem32f* pSum, Elem32s hint);
+LYRSR_API Status lyrsSum_16s32s_Sfs(const Elem16s* pSrc, Elem32s len, Elem32s* pSum, Elem32s scaleFactor);
+LYRSR_API Status lyrsSum_32s_Sfs(const Elem32s* pSrc, Elem32s len, Elem32s* pSum, Elem32s scaleFactor);
+/** @} */
+
+/**
+ * @name Dot product
+ * *pDp = sum over i of pSrc1[i] * pSrc2[i]: in the precision of the elements (`32f`, `64f`), in double precision (`32f64f`), exact (`16s64s`), or
+ * exact and then rounded once (`16s32f`).
+ * @return #StsNoErr, #StsNullPtr, #StsSize
+ * @{
+ */
+LYRSR_API Status lyrsDotProd_32f(const Elem32f* pSrc1, const Elem32f* pSrc2, Elem32s len, Elem32f* pDp);
+LYRSR_API Status lyrsDotProd_64f(const Elem64f* pSrc1, const Elem64f* pSrc2, Elem32s len, Elem64f* pDp);
+LYRSR_API Status lyrsDotProd_32f64f(const Elem32f* pSrc1, const Elem32f* pSrc2, Elem32s len, Elem64f* pDp);
+LYRSR_API Status lyrsDotProd_16s64s(const Elem16s* pSrc1, const Elem16s* pSrc2, Elem32s len, Elem64s* pDp);
+LYRSR_API Status lyrsDotProd_16s32f(const Elem16s* pSrc1, const Elem16s* pSrc2, Elem32s len, Elem32f* pDp);
+/** @} */
+/** @} */
+
 /* ======================================================= fft ====================================================== */
 
 /**
