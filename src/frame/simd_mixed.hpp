@@ -197,61 +197,16 @@ LYR_INLINE void storeIntsTail(std::int32_t* p, HalfInts v, int n)
 
 // ------------------------------------------------------------------------------------------------ products of 16 bits
 
-// 32-bit lanes of the low and the high half of every 128 bits: an order in which they only pass until saturated() joins
-// them again.
-struct WidePair
+// a[2i] * b[2i] + a[2i + 1] * b[2i + 1], where four factors of -2^15 make -2^31 of 2^31 and nothing else does.
+LYR_INLINE I32 dotPairs(I16 a, I16 b)
 {
-    I32 low;
-    I32 high;
-};
-
-// product: exact products. saturated: a pair back to 16 bits. dotPairs: a[2i] * b[2i] + a[2i + 1] * b[2i + 1], where
-// four factors of -2^15 make -2^31 of 2^31 and nothing else does.
 #if LYR_WIDTH == 128
-LYR_INLINE WidePair product(I16 a, I16 b)
-{
-    const __m128i low = _mm_mullo_epi16(as<__m128i>(a), as<__m128i>(b));
-    const __m128i high = _mm_mulhi_epi16(as<__m128i>(a), as<__m128i>(b));
-    return {as<I32>(_mm_unpacklo_epi16(low, high)), as<I32>(_mm_unpackhi_epi16(low, high))};
-}
-LYR_INLINE I16 saturated(WidePair v)
-{
-    return as<I16>(_mm_packs_epi32(as<__m128i>(v.low), as<__m128i>(v.high)));
-}
-LYR_INLINE I32 dotPairs(I16 a, I16 b)
-{
     return as<I32>(_mm_madd_epi16(as<__m128i>(a), as<__m128i>(b)));
-}
 #elif LYR_WIDTH == 256
-LYR_INLINE WidePair product(I16 a, I16 b)
-{
-    const __m256i low = _mm256_mullo_epi16(as<__m256i>(a), as<__m256i>(b));
-    const __m256i high = _mm256_mulhi_epi16(as<__m256i>(a), as<__m256i>(b));
-    return {as<I32>(_mm256_unpacklo_epi16(low, high)), as<I32>(_mm256_unpackhi_epi16(low, high))};
-}
-LYR_INLINE I16 saturated(WidePair v)
-{
-    return as<I16>(_mm256_packs_epi32(as<__m256i>(v.low), as<__m256i>(v.high)));
-}
-LYR_INLINE I32 dotPairs(I16 a, I16 b)
-{
     return as<I32>(_mm256_madd_epi16(as<__m256i>(a), as<__m256i>(b)));
-}
 #else
-LYR_INLINE WidePair product(I16 a, I16 b)
-{
-    const __m512i low = _mm512_mullo_epi16(as<__m512i>(a), as<__m512i>(b));
-    const __m512i high = _mm512_mulhi_epi16(as<__m512i>(a), as<__m512i>(b));
-    return {as<I32>(_mm512_unpacklo_epi16(low, high)), as<I32>(_mm512_unpackhi_epi16(low, high))};
-}
-LYR_INLINE I16 saturated(WidePair v)
-{
-    return as<I16>(_mm512_packs_epi32(as<__m512i>(v.low), as<__m512i>(v.high)));
-}
-LYR_INLINE I32 dotPairs(I16 a, I16 b)
-{
     return as<I32>(_mm512_madd_epi16(as<__m512i>(a), as<__m512i>(b)));
-}
 #endif
+}
 
 } // namespace lyr::LYR_NS

@@ -1,6 +1,7 @@
 #include "vector/fixed_kernels.hpp"
 
 #include "frame/simd.hpp"
+#include "frame/simd_fixed.hpp"
 #include "frame/simd_mixed.hpp"
 #include "vector/map.hpp"
 #include "vector/scale_to_16.hpp"
@@ -10,16 +11,13 @@ namespace {
 
 void multiply(const Elem16s* a, const Elem16s* b, Elem16s* dst, Elem32s len, int /*shift*/)
 {
-    map(a, b, dst, len, [](I16 x, I16 y) { return saturated(product(x, y)); });
+    map(a, b, dst, len, [](I16 x, I16 y) { return packSaturating(product(x, y)); });
 }
 
 template <class Shift>
 void multiplyShifted(const Elem16s* a, const Elem16s* b, Elem16s* dst, Elem32s len, int count)
 {
-    map(a, b, dst, len, [shift = Shift(count)](I16 x, I16 y) {
-        const WidePair p = product(x, y);
-        return saturated({shift(p.low), shift(p.high)});
-    });
+    map(a, b, dst, len, [shift = Shift(count)](I16 x, I16 y) { return packSaturating(each(shift, product(x, y))); });
 }
 
 // The parts of lanes<F64> complex numbers apart, as doubles.
