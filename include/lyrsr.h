@@ -356,16 +356,16 @@ LYRSR_API Status lyrsMove_32f(const Elem32f* pSrc, Elem32f* pDst, Elem32s len);
 
 /**
  * @defgroup vector_conversion Vector conversion
- * Conversion of `len` elements, at least 1, between element types. In a name with two type codes the first is the source, the second the result.
- * Source and destination of elements of one size may be the same vector.
+ * Conversion of `len` elements, at least 1, between element types. In a name with two type codes the first is the
+ * source, the second the result. Source and destination of elements of one size may be the same vector.
  * @{
  */
 
 /**
  * @name To floating point
- * The value in the target type, rounded by the current mode where it does not fit. The `Sfs` forms multiply the converted value by
- * 2^(-scaleFactor), limited so that nothing overflows and the power is a normal number: `16s32f` -112 to 126, `32s32f` -96 to 126, `16s64f` -1008
- * to 1022.
+ * The value in the target type, rounded by the current mode where it does not fit. The `Sfs` forms multiply the
+ * converted value by 2^(-scaleFactor), limited so that nothing overflows and the power is a normal number: `16s32f`
+ * -112 to 126, `32s32f` -96 to 126, `16s64f` -1008 to 1022.
  * @return #StsNoErr, #StsNullPtr, #StsSize
  * @{
  */
@@ -380,14 +380,17 @@ LYRSR_API Status lyrsConvert_16s64f_Sfs(const Elem16s* pSrc, Elem64f* pDst, Elem
 
 /**
  * @name Floating point to integers
- * pSrc[i] * 2^(-scaleFactor) as an integer, limited to the range of the target. The power is one of single precision in every form: 0 from a
- * scale factor of 150 on, an infinity from -128 down. The floating-point control word and the sticky invalid flag are afterwards as before.
+ * pSrc[i] * 2^(-scaleFactor) as an integer, limited to the range of the target. The power is one of single precision in
+ * every form: 0 from a scale factor of 150 on, an infinity from -128 down. The floating-point control word and the
+ * sticky invalid flag are afterwards as before.
  *
- * A NaN gives the upper limit, except that in `lyrsConvert_32f32s_Sfs` one with its sign set (as 0 times an infinity makes it) gives the lower.
+ * A NaN gives the upper limit, except that in `lyrsConvert_32f32s_Sfs` one with its sign set (as 0 times an infinity
+ * makes it) gives the lower.
  * @param pSrc        source
  * @param pDst        destination
  * @param len         number of elements
- * @param rndMode     0 rounds toward zero, every other value to nearest with ties to even, in whatever mode the caller runs
+ * @param rndMode     0 rounds toward zero, every other value to nearest with ties to even, in whatever mode the caller
+ * runs
  * @param scaleFactor any value
  * @return #StsNoErr, #StsNullPtr, #StsSize
  * @{
@@ -402,7 +405,8 @@ LYRSR_API Status lyrsConvert_64f32s_Sfs(const Elem64f* pSrc, Elem32s* pDst, Elem
 
 /**
  * @name Integers to shorter integers
- * pSrc[i] * 2^(-scaleFactor), to nearest with ties to even, limited to 16 bits. The scale factor is limited to -15 to 31.
+ * pSrc[i] * 2^(-scaleFactor), to nearest with ties to even, limited to 16 bits. The scale factor is limited to -15
+ * to 31.
  * @return #StsNoErr, #StsNullPtr, #StsSize
  * @{
  */
@@ -727,6 +731,223 @@ LYRSR_API Status lyrsLogGauss_IdVar_64f_D2L(const Elem64f* const* mPtr, const El
 /* ================================================ front end: deltas =============================================== */
 
 /* =========================================== estimation: column statistics ======================================== */
+
+/**
+ * @defgroup estimation_columns Column statistics
+ *
+ * A matrix of feature rows reduced to one value for each column: a row is a frame, a column a feature. `pSrc` holds the
+ * rows in one block, row r at r * `step`; `mSrc` is a table of row pointers. Of each row the first `width` elements
+ * count. Variances are formed in one pass from sums of squares (cf. Chan, Golub and LeVeque, The American Statistician
+ * 37(3), 1983, on what that costs), so that rounding may leave a small one negative; none is clamped. Additions may be
+ * in any order.
+ * @{
+ */
+
+/**
+ * @name Mean
+ * mean[c] = (sum over r of x[r][c]) * (1 / height), in single precision. The 16-bit forms round to nearest and allocate
+ * work memory.
+ * @param pSrc     `height` rows in one block
+ * @param mSrc     table of `height` pointers to rows
+ * @param height   number of rows, at least 1
+ * @param step     row stride of `pSrc` in elements, at least `width`
+ * @param pDstMean receives `width` means
+ * @param width    number of columns, at least 1
+ * @return #StsNoErr; in this order: #StsStep (`_D2`), #StsNullPtr, #StsSize, #StsMemAlloc (`16s`)
+ * @{
+ */
+LYRSR_API Status lyrsMeanColumn_32f_D2(const Elem32f* pSrc, Elem32s height, Elem32s step, Elem32f* pDstMean,
+                                       Elem32s width);
+LYRSR_API Status lyrsMeanColumn_16s_D2(const Elem16s* pSrc, Elem32s height, Elem32s step, Elem16s* pDstMean,
+                                       Elem32s width);
+LYRSR_API Status lyrsMeanColumn_32f_D2L(const Elem32f* const* mSrc, Elem32s height, Elem32f* pDstMean, Elem32s width);
+LYRSR_API Status lyrsMeanColumn_16s_D2L(const Elem16s* const* mSrc, Elem32s height, Elem16s* pDstMean, Elem32s width);
+/** @} */
+
+/**
+ * @name Variance about a given mean
+ * var[c] = (sum over r of x[r][c]^2 - height * mean[c]^2) * (1 / (height - 1)) in single precision, with the mean as it
+ * is given: with another than the true one this is no sum of squared deviations. The `Sfs` forms allocate work memory.
+ * @param pSrc        `height` rows in one block
+ * @param mSrc        table of `height` pointers to rows
+ * @param height      number of rows, at least 2
+ * @param step        row stride of `pSrc` in elements, at least `width`
+ * @param pSrcMean    `width` means
+ * @param pDstVar     receives `width` variances
+ * @param width       number of columns, at least 1
+ * @param scaleFactor the variance is multiplied by 2^(-scaleFactor)
+ * @return #StsNoErr; in this order: #StsStep (`_D2`), #StsNullPtr, #StsSize, #StsMemAlloc (`16s`)
+ * @{
+ */
+LYRSR_API Status lyrsVarColumn_32f_D2(const Elem32f* pSrc, Elem32s height, Elem32s step, const Elem32f* pSrcMean,
+                                      Elem32f* pDstVar, Elem32s width);
+LYRSR_API Status lyrsVarColumn_16s_D2Sfs(const Elem16s* pSrc, Elem32s height, Elem32s step, const Elem16s* pSrcMean,
+                                         Elem16s* pDstVar, Elem32s width, Elem32s scaleFactor);
+LYRSR_API Status lyrsVarColumn_32f_D2L(const Elem32f* const* mSrc, Elem32s height, const Elem32f* pSrcMean,
+                                       Elem32f* pDstVar, Elem32s width);
+LYRSR_API Status lyrsVarColumn_16s_D2LSfs(const Elem16s* const* mSrc, Elem32s height, const Elem16s* pSrcMean,
+                                          Elem16s* pDstVar, Elem32s width, Elem32s scaleFactor);
+/** @} */
+
+/**
+ * @name Mean and variance
+ * Both of the above, the variance with the mean just computed, ahead of any rounding to an integer. `16s` forms compute
+ * in single precision; `16s32s` and `16s16s32s` forms sum exactly and compute in double, and their results are rounded
+ * in the rounding mode in force and saturated.
+ * @param pSrc        `height` rows in one block
+ * @param mSrc        table of `height` pointers to rows
+ * @param height      number of rows, at least 2
+ * @param step        row stride of `pSrc` in elements, at least `width`
+ * @param pDstMean    receives `width` means, which are never scaled
+ * @param pDstVar     receives `width` variances
+ * @param width       number of columns, at least 1
+ * @param scaleFactor the variance is multiplied by 2^(-scaleFactor)
+ * @return #StsNoErr; in this order: #StsNullPtr, #StsSize, #StsStep (`_D2`)
+ * @{
+ */
+LYRSR_API Status lyrsMeanVarColumn_32f_D2(const Elem32f* pSrc, Elem32s height, Elem32s step, Elem32f* pDstMean,
+                                          Elem32f* pDstVar, Elem32s width);
+LYRSR_API Status lyrsMeanVarColumn_16s_D2Sfs(const Elem16s* pSrc, Elem32s height, Elem32s step, Elem16s* pDstMean,
+                                             Elem16s* pDstVar, Elem32s width, Elem32s scaleFactor);
+LYRSR_API Status lyrsMeanVarColumn_16s32s_D2Sfs(const Elem16s* pSrc, Elem32s height, Elem32s step, Elem32s* pDstMean,
+                                                Elem32s* pDstVar, Elem32s width, Elem32s scaleFactor);
+LYRSR_API Status lyrsMeanVarColumn_16s16s32s_D2(const Elem16s* pSrc, Elem32s height, Elem32s step, Elem16s* pDstMean,
+                                                Elem32s* pDstVar, Elem32s width);
+LYRSR_API Status lyrsMeanVarColumn_32f_D2L(const Elem32f* const* mSrc, Elem32s height, Elem32f* pDstMean,
+                                           Elem32f* pDstVar, Elem32s width);
+LYRSR_API Status lyrsMeanVarColumn_16s_D2LSfs(const Elem16s* const* mSrc, Elem32s height, Elem16s* pDstMean,
+                                              Elem16s* pDstVar, Elem32s width, Elem32s scaleFactor);
+LYRSR_API Status lyrsMeanVarColumn_16s32s_D2LSfs(const Elem16s* const* mSrc, Elem32s height, Elem32s* pDstMean,
+                                                 Elem32s* pDstVar, Elem32s width, Elem32s scaleFactor);
+LYRSR_API Status lyrsMeanVarColumn_16s16s32s_D2L(const Elem16s* const* mSrc, Elem32s height, Elem16s* pDstMean,
+                                                 Elem32s* pDstVar, Elem32s width);
+/** @} */
+
+/**
+ * @name Weighted mean and variance
+ * mean[c] = sum over r of w[r] * x[r][c] and var[c] = sum over r of w[r] * x[r][c]^2 - mean[c]^2, the mean being the
+ * given or the one just computed. Weights are used as they are; for a mean and a variance they should add to one.
+ * @param pSrc     `height` rows in one block
+ * @param mSrc     table of `height` pointers to rows
+ * @param step     row stride of `pSrc` in elements, at least `width`
+ * @param pWgt     a weight for each of the `height` rows
+ * @param height   number of rows, at least 1
+ * @param pSrcMean `width` means
+ * @param pDstMean receives `width` means
+ * @param pDstVar  receives `width` variances
+ * @param width    number of columns, at least 1
+ * @return #StsNoErr; in this order: #StsNullPtr, #StsStep (`_D2`), #StsSize
+ * @{
+ */
+LYRSR_API Status lyrsWeightedMeanColumn_32f_D2(const Elem32f* pSrc, Elem32s step, const Elem32f* pWgt, Elem32s height,
+                                               Elem32f* pDstMean, Elem32s width);
+LYRSR_API Status lyrsWeightedMeanColumn_64f_D2(const Elem64f* pSrc, Elem32s step, const Elem64f* pWgt, Elem32s height,
+                                               Elem64f* pDstMean, Elem32s width);
+LYRSR_API Status lyrsWeightedMeanColumn_32f_D2L(const Elem32f* const* mSrc, const Elem32f* pWgt, Elem32s height,
+                                                Elem32f* pDstMean, Elem32s width);
+LYRSR_API Status lyrsWeightedMeanColumn_64f_D2L(const Elem64f* const* mSrc, const Elem64f* pWgt, Elem32s height,
+                                                Elem64f* pDstMean, Elem32s width);
+LYRSR_API Status lyrsWeightedVarColumn_32f_D2(const Elem32f* pSrc, Elem32s step, const Elem32f* pWgt, Elem32s height,
+                                              const Elem32f* pSrcMean, Elem32f* pDstVar, Elem32s width);
+LYRSR_API Status lyrsWeightedVarColumn_64f_D2(const Elem64f* pSrc, Elem32s step, const Elem64f* pWgt, Elem32s height,
+                                              const Elem64f* pSrcMean, Elem64f* pDstVar, Elem32s width);
+LYRSR_API Status lyrsWeightedVarColumn_32f_D2L(const Elem32f* const* mSrc, const Elem32f* pWgt, Elem32s height,
+                                               const Elem32f* pSrcMean, Elem32f* pDstVar, Elem32s width);
+LYRSR_API Status lyrsWeightedVarColumn_64f_D2L(const Elem64f* const* mSrc, const Elem64f* pWgt, Elem32s height,
+                                               const Elem64f* pSrcMean, Elem64f* pDstVar, Elem32s width);
+LYRSR_API Status lyrsWeightedMeanVarColumn_32f_D2(const Elem32f* pSrc, Elem32s step, const Elem32f* pWgt,
+                                                  Elem32s height, Elem32f* pDstMean, Elem32f* pDstVar, Elem32s width);
+LYRSR_API Status lyrsWeightedMeanVarColumn_64f_D2(const Elem64f* pSrc, Elem32s step, const Elem64f* pWgt,
+                                                  Elem32s height, Elem64f* pDstMean, Elem64f* pDstVar, Elem32s width);
+LYRSR_API Status lyrsWeightedMeanVarColumn_32f_D2L(const Elem32f* const* mSrc, const Elem32f* pWgt, Elem32s height,
+                                                   Elem32f* pDstMean, Elem32f* pDstVar, Elem32s width);
+LYRSR_API Status lyrsWeightedMeanVarColumn_64f_D2L(const Elem64f* const* mSrc, const Elem64f* pWgt, Elem32s height,
+                                                   Elem64f* pDstMean, Elem64f* pDstVar, Elem32s width);
+/** @} */
+
+/**
+ * @name Sums
+ * sum[c] = sum over r of x[r][c] and sumSq[c] = sum over r of x[r][c]^2, in single precision and without any division:
+ * what is pooled before means and variances are formed. The `_I` forms add to what the destinations hold. The integer
+ * results of the `Sfs` forms hold what single precision kept of the sums; in `lyrsSumMeanVar_16s32s_ISfs` the old
+ * integers are part of the sum that is scaled.
+ * @param pSrc        `height` rows in one block
+ * @param step        row stride of `pSrc` in elements, at least `width`
+ * @param height      number of rows, at least 1
+ * @param pDstSum     receives `width` sums (`pSrcDstSum`: is added to)
+ * @param pDstSumSq   receives `width` sums of squares (`pSrcDstSumSq`: is added to)
+ * @param width       number of columns, at least 1
+ * @param scaleFactor the results are multiplied by 2^(-scaleFactor)
+ * @return #StsNoErr; in this order: #StsStep, #StsNullPtr, #StsSize
+ * @{
+ */
+LYRSR_API Status lyrsSumMeanVar_32f(const Elem32f* pSrc, Elem32s step, Elem32s height, Elem32f* pDstSum,
+                                    Elem32f* pDstSumSq, Elem32s width);
+LYRSR_API Status lyrsSumMeanVar_16s32f(const Elem16s* pSrc, Elem32s step, Elem32s height, Elem32f* pDstSum,
+                                       Elem32f* pDstSumSq, Elem32s width);
+LYRSR_API Status lyrsSumMeanVar_32f_I(const Elem32f* pSrc, Elem32s step, Elem32s height, Elem32f* pSrcDstSum,
+                                      Elem32f* pSrcDstSumSq, Elem32s width);
+LYRSR_API Status lyrsSumMeanVar_16s32f_I(const Elem16s* pSrc, Elem32s step, Elem32s height, Elem32f* pSrcDstSum,
+                                         Elem32f* pSrcDstSumSq, Elem32s width);
+LYRSR_API Status lyrsSumMeanVar_16s32s_Sfs(const Elem16s* pSrc, Elem32s step, Elem32s height, Elem32s* pDstSum,
+                                           Elem32s* pDstSumSq, Elem32s width, Elem32s scaleFactor);
+LYRSR_API Status lyrsSumMeanVar_16s32s_ISfs(const Elem16s* pSrc, Elem32s step, Elem32s height, Elem32s* pSrcDstSum,
+                                            Elem32s* pSrcDstSumSq, Elem32s width, Elem32s scaleFactor);
+/** @} */
+
+/**
+ * @name One frame
+ * With d = pSrc[i] - pSrcMean[i]: pDstMean[i] += d * val and pDstVar[i] += d * (d * val), every step rounded.
+ * `pSrcMean` may be `pDstMean`.
+ * @param pSrc     frame, `len` elements
+ * @param pSrcMean mean that the frame is compared with, `len` elements
+ * @param pDstMean running mean, `len` elements
+ * @param pDstVar  running variance, `len` elements
+ * @param len      elements of a frame, at least 1
+ * @param val      weight of the frame
+ * @return #StsNoErr, #StsNullPtr, #StsSize
+ * @{
+ */
+LYRSR_API Status lyrsMeanVarAcc_32f(const Elem32f* pSrc, const Elem32f* pSrcMean, Elem32f* pDstMean, Elem32f* pDstVar,
+                                    Elem32s len, Elem32f val);
+LYRSR_API Status lyrsMeanVarAcc_64f(const Elem64f* pSrc, const Elem64f* pSrcMean, Elem64f* pDstMean, Elem64f* pDstVar,
+                                    Elem32s len, Elem64f val);
+/** @} */
+
+/**
+ * @name Full covariance
+ * For every i <= j
+ *
+ *     s = sum over r of (x[r][i] - mean[j]) * (x[r][j] - mean[j])
+ *     dst[i][j] = dst[j][i] = dst[i][j] + s * val
+ *
+ * in double precision. Both factors subtract the mean of the later column, so that only the diagonal is a centred
+ * square unless the data has been centred before. The lower triangle is overwritten with the upper, whatever it held.
+ * @param pSrc    `height` rows in one block
+ * @param mSrc    table of `height` pointers to rows
+ * @param srcStep row stride of `pSrc` in elements, at least `width`
+ * @param height  number of rows, at least 1
+ * @param pMean   `width` means
+ * @param pDst    `width` rows of the matrix in one block
+ * @param mDst    table of `width` pointers to rows of the matrix
+ * @param width   number of columns, and of rows and columns of the matrix, at least 1
+ * @param dstStep row stride of `pDst` in elements, at least `width`
+ * @param val     factor of the sums
+ * @return #StsNoErr; in this order: #StsNullPtr, #StsSize, #StsStep (`_D2`)
+ * @{
+ */
+LYRSR_API Status lyrsAccCovarianceMatrix_32f64f_D2(const Elem32f* pSrc, Elem32s srcStep, Elem32s height,
+                                                   const Elem32f* pMean, Elem64f* pDst, Elem32s width, Elem32s dstStep,
+                                                   Elem64f val);
+LYRSR_API Status lyrsAccCovarianceMatrix_16s64f_D2(const Elem16s* pSrc, Elem32s srcStep, Elem32s height,
+                                                   const Elem16s* pMean, Elem64f* pDst, Elem32s width, Elem32s dstStep,
+                                                   Elem64f val);
+LYRSR_API Status lyrsAccCovarianceMatrix_32f64f_D2L(const Elem32f* const* mSrc, Elem32s height, const Elem32f* pMean,
+                                                    Elem64f* const* mDst, Elem32s width, Elem64f val);
+LYRSR_API Status lyrsAccCovarianceMatrix_16s64f_D2L(const Elem16s* const* mSrc, Elem32s height, const Elem16s* pMean,
+                                                    Elem64f* const* mDst, Elem32s width, Elem64f val);
+/** @} */
+/** @} */
 
 #ifdef __cplusplus
 }
