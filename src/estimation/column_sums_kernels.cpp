@@ -19,8 +19,8 @@ struct Moments
 constexpr int mostVectors = 4;
 
 // Rows are taken in tiles of about this many bytes, so that a wide row that takes several turns comes from the
-// first-level cache in all but one.
-constexpr std::ptrdiff_t tileBytes = 16384;
+// second-level cache in all but one.
+constexpr std::ptrdiff_t tileBytes = 65536;
 constexpr std::ptrdiff_t leastTile = 16;
 
 // Additions in flight at once, at least: what their latency asks for.
