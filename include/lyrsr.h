@@ -730,6 +730,192 @@ LYRSR_API Status lyrsLogGauss_IdVar_64f_D2L(const Elem64f* const* mPtr, const El
 
 /* ================================================ front end: deltas =============================================== */
 
+/**
+ * @defgroup frontend_delta Delta features
+ *
+ * Time derivatives of feature frames (Furui, IEEE Trans. ASSP 34(1), 1986). A row of the feature matrix `pDst` holds
+ * `width` statics x, behind them as many deltas D and, in the `DeltaDelta` forms, delta-deltas A. The matrix is all the
+ * memory that a stream has: a call appends the frames of `pSrc` and finishes the rows that have their neighbours now.
+ *
+ * The streamed forms differ in H, the number of rows that wait:
+ *
+ * | window | deltas | H |
+ * |---|---|---|
+ * | `Delta_Win1` | D[r] = (x[r+1] - x[r-1]) * val | 2 |
+ * | `DeltaDelta_Win1` | as that, and A[r] = (D[r+1] - D[r-1]) * valDD | 3 |
+ * | `Delta_Win2` | D[r] = (a + d + d) * val, a = x[r+1] - x[r-1], d = x[r+2] - x[r-2] | 4 |
+ * | `DeltaDelta_Win2` | as that, and A of D in the same way with valDD | 6 |
+ * | `DeltaDelta_Aurora` | D and A from x[r-4] ... x[r+4] | 8 |
+ *
+ * With #DeltaBegin the first frame goes to row 0, and row 0 stands in for the rows before it. Without it the first H
+ * rows of `pDst` are the last ones of the call before, and the first frame goes to row H. With #DeltaEnd the waiting
+ * rows are finished too, the last row standing in for those behind it. A caller thus advances `pDst` by the number of
+ * frames that it hands over, less H at the beginning.
+ *
+ * `Mul` forms take a gain for each column of the output in `pVal`, statics first: the statics are multiplied too, and
+ * differences are formed of the products. There is no denominator: normalisation is in the gains.
+ *
+ * Single precision throughout, each step rounded, with the same bits on every path. In 16 bits differences wrap; the
+ * sum of the `Win2` forms saturates (but see there); the 32-bit product with the gain is shifted right by scaleFactor
+ * without rounding, left for a negative one, and saturated. `pSrc` may not overlap `pDst`.
+ * @{
+ */
+
+/** Bits of `deltaMode`; others are ignored. */
+enum LyrsDeltaMode
+{
+    DeltaBegin = 1, /**< the first frames of an utterance; no history exists */
+    DeltaEnd = 2    /**< no frames follow this call */
+};
+
+/**
+ * @name Streamed, over one or two frames each way
+ * `lyrsDeltaDelta_Win2_16s_D2Sfs` sums its differences in 32 bits from width 14 on, where nothing saturates and the
+ * product with the gain wraps at 32 bits.
+ * @param pSrc        `height` frames of `width` elements, without gaps
+ * @param pVal        gains: 2 * `width`, or 3 * `width` in the `DeltaDelta` forms
+ * @param width       elements of a frame, at least 1
+ * @param pDst        feature matrix, from the first waiting row on
+ * @param dstStep     its row stride, at least 2 * `width`, or 3 * `width` in the `DeltaDelta` forms
+ * @param height      number of frames; 0 is legal with #DeltaEnd, at least H with #DeltaBegin
+ * @param val, valD   gain of the deltas
+ * @param valDD       gain of the delta-deltas
+ * @param deltaMode   #DeltaBegin, #DeltaEnd, both or neither
+ * @param scaleFactor right shift of the products
+ * @return #StsNoErr; in this order: #StsNullPtr, #StsSize, #StsStep, and #StsSize for less than H frames at the
+ * beginning
+ * @{
+ */
+LYRSR_API Status lyrsDelta_Win1_32f_D2(const Elem32f* pSrc, Elem32s width, Elem32f* pDst, Elem32s dstStep,
+                                       Elem32s height, Elem32f val, Elem32s deltaMode);
+LYRSR_API Status lyrsDelta_Win2_32f_D2(const Elem32f* pSrc, Elem32s width, Elem32f* pDst, Elem32s dstStep,
+                                       Elem32s height, Elem32f val, Elem32s deltaMode);
+LYRSR_API Status lyrsDelta_Win1_16s_D2Sfs(const Elem16s* pSrc, Elem32s width, Elem16s* pDst, Elem32s dstStep,
+                                          Elem32s height, Elem16s val, Elem32s deltaMode, Elem32s scaleFactor);
+LYRSR_API Status lyrsDelta_Win2_16s_D2Sfs(const Elem16s* pSrc, Elem32s width, Elem16s* pDst, Elem32s dstStep,
+                                          Elem32s height, Elem16s val, Elem32s deltaMode, Elem32s scaleFactor);
+LYRSR_API Status lyrsDeltaDelta_Win1_32f_D2(const Elem32f* pSrc, Elem32s width, Elem32f* pDst, Elem32s dstStep,
+                                            Elem32s height, Elem32f valD, Elem32f valDD, Elem32s deltaMode);
+LYRSR_API Status lyrsDeltaDelta_Win2_32f_D2(const Elem32f* pSrc, Elem32s width, Elem32f* pDst, Elem32s dstStep,
+                                            Elem32s height, Elem32f valD, Elem32f valDD, Elem32s deltaMode);
+LYRSR_API Status lyrsDeltaDelta_Win1_16s_D2Sfs(const Elem16s* pSrc, Elem32s width, Elem16s* pDst, Elem32s dstStep,
+                                               Elem32s height, Elem16s valD, Elem16s valDD, Elem32s deltaMode,
+                                               Elem32s scaleFactor);
+LYRSR_API Status lyrsDeltaDelta_Win2_16s_D2Sfs(const Elem16s* pSrc, Elem32s width, Elem16s* pDst, Elem32s dstStep,
+                                               Elem32s height, Elem16s valD, Elem16s valDD, Elem32s deltaMode,
+                                               Elem32s scaleFactor);
+LYRSR_API Status lyrsDeltaMul_Win1_32f_D2(const Elem32f* pSrc, const Elem32f* pVal, Elem32s width, Elem32f* pDst,
+                                          Elem32s dstStep, Elem32s height, Elem32s deltaMode);
+LYRSR_API Status lyrsDeltaMul_Win2_32f_D2(const Elem32f* pSrc, const Elem32f* pVal, Elem32s width, Elem32f* pDst,
+                                          Elem32s dstStep, Elem32s height, Elem32s deltaMode);
+LYRSR_API Status lyrsDeltaDeltaMul_Win1_32f_D2(const Elem32f* pSrc, const Elem32f* pVal, Elem32s width, Elem32f* pDst,
+                                               Elem32s dstStep, Elem32s height, Elem32s deltaMode);
+LYRSR_API Status lyrsDeltaDeltaMul_Win2_32f_D2(const Elem32f* pSrc, const Elem32f* pVal, Elem32s width, Elem32f* pDst,
+                                               Elem32s dstStep, Elem32s height, Elem32s deltaMode);
+LYRSR_API Status lyrsDeltaMul_Win1_16s_D2Sfs(const Elem16s* pSrc, const Elem16s* pVal, Elem32s width, Elem16s* pDst,
+                                             Elem32s dstStep, Elem32s height, Elem32s deltaMode, Elem32s scaleFactor);
+LYRSR_API Status lyrsDeltaMul_Win2_16s_D2Sfs(const Elem16s* pSrc, const Elem16s* pVal, Elem32s width, Elem16s* pDst,
+                                             Elem32s dstStep, Elem32s height, Elem32s deltaMode, Elem32s scaleFactor);
+LYRSR_API Status lyrsDeltaDeltaMul_Win1_16s_D2Sfs(const Elem16s* pSrc, const Elem16s* pVal, Elem32s width,
+                                                  Elem16s* pDst, Elem32s dstStep, Elem32s height, Elem32s deltaMode,
+                                                  Elem32s scaleFactor);
+LYRSR_API Status lyrsDeltaDeltaMul_Win2_16s_D2Sfs(const Elem16s* pSrc, const Elem16s* pVal, Elem32s width,
+                                                  Elem16s* pDst, Elem32s dstStep, Elem32s height, Elem32s deltaMode,
+                                                  Elem32s scaleFactor);
+/** @} */
+
+/**
+ * @name Streamed, the regression of the Aurora front end
+ * Frames have 14 elements: 12 cepstra, the zeroth coefficient c0 and the log energy; rows of the matrix have 13
+ * statics, of which the last is c0 * 0.6 / 23 + logE * 0.4, then 13 deltas and 13 delta-deltas, both formed of the
+ * statics as stored. Delta weights are t / 4 for t = -4 ... 4; delta-delta weights 1, 0.25, -0.285714, -0.607143,
+ * -0.714286, -0.607143, -0.285714, 0.25, 1. In 16 bits the statics are shifted right too, deltas are formed in 32-bit
+ * integers that wrap, delta-deltas and the mix in single precision, truncated. There a negative scaleFactor does not
+ * shift left: counts are taken modulo 32.
+ * @param pSrc        `height` frames of 14 elements, without gaps
+ * @param pVal        39 gains
+ * @param pDst        feature matrix, from the first waiting row on
+ * @param dstStep     its row stride, at least 39
+ * @param height      number of frames; 0 is legal with #DeltaEnd, at least 8 with #DeltaBegin
+ * @param deltaMode   #DeltaBegin, #DeltaEnd, both or neither
+ * @param scaleFactor right shift; deltas are shifted by 2 more
+ * @return #StsNoErr; in this order: #StsNullPtr, #StsSize, #StsStep, and #StsSize for less than 8 frames at the
+ * beginning
+ * @{
+ */
+LYRSR_API Status lyrsDeltaDelta_Aurora_32f_D2(const Elem32f* pSrc, Elem32f* pDst, Elem32s dstStep, Elem32s height,
+                                              Elem32s deltaMode);
+LYRSR_API Status lyrsDeltaDelta_Aurora_16s_D2Sfs(const Elem16s* pSrc, Elem16s* pDst, Elem32s dstStep, Elem32s height,
+                                                 Elem32s deltaMode, Elem32s scaleFactor);
+LYRSR_API Status lyrsDeltaDeltaMul_Aurora_32f_D2(const Elem32f* pSrc, const Elem32f* pVal, Elem32f* pDst,
+                                                 Elem32s dstStep, Elem32s height, Elem32s deltaMode);
+LYRSR_API Status lyrsDeltaDeltaMul_Aurora_16s_D2Sfs(const Elem16s* pSrc, const Elem16s* pVal, Elem16s* pDst,
+                                                    Elem32s dstStep, Elem32s height, Elem32s deltaMode,
+                                                    Elem32s scaleFactor);
+/** @} */
+
+/**
+ * @name On a whole matrix, over any window
+ * In place: D[r] = val * sum over t = 1 ... wndSize of t * (x[r+t] - x[r-t]). In the first wndSize rows x[0] stands for
+ * every x[r-t], also for those that exist; in the last wndSize rows the last row stands for every x[r+t]. In 16 bits
+ * the differences wrap, sums and products have 32 bits and wrap, and the result is shifted and saturated as in the
+ * streamed forms.
+ * @param pSrcDst     matrix of `height` rows: statics from column `offset` on, deltas behind them
+ * @param height      number of rows, at least 2 * `wndSize`
+ * @param step        row stride, at least `offset` + 2 * `width`
+ * @param pVal        gains of statics and deltas; those of the statics, the first `width`, are skipped
+ * @param width       number of statics, at least 1
+ * @param offset      column of the first static, at least 0
+ * @param wndSize     frames each way, at least 1
+ * @param val         gain
+ * @param scaleFactor right shift of the products
+ * @return #StsNoErr, #StsNullPtr, #StsSize, #StsStep
+ * @{
+ */
+LYRSR_API Status lyrsEvalDelta_32f_D2(Elem32f* pSrcDst, Elem32s height, Elem32s step, Elem32s width, Elem32s offset,
+                                      Elem32s wndSize, Elem32f val);
+LYRSR_API Status lyrsEvalDelta_16s_D2Sfs(Elem16s* pSrcDst, Elem32s height, Elem32s step, Elem32s width, Elem32s offset,
+                                         Elem32s wndSize, Elem16s val, Elem32s scaleFactor);
+LYRSR_API Status lyrsEvalDeltaMul_32f_D2(Elem32f* pSrcDst, Elem32s height, Elem32s step, const Elem32f* pVal,
+                                         Elem32s width, Elem32s offset, Elem32s wndSize);
+LYRSR_API Status lyrsEvalDeltaMul_16s_D2Sfs(Elem16s* pSrcDst, Elem32s height, Elem32s step, const Elem16s* pVal,
+                                            Elem32s width, Elem32s offset, Elem32s wndSize, Elem32s scaleFactor);
+/** @} */
+
+/**
+ * @name Copies of columns
+ * `lyrsCopyColumn_*`: packed rows into the first columns of a matrix. `Indirect`: dst[i] = src[pIndx[i]] in every row.
+ * @param pSrc, mSrc       source; packed in `lyrsCopyColumn_32f_D2` and `lyrsCopyColumn_16s_D2`
+ * @param width            elements of a row, at least 1
+ * @param srcLen, srcStep  elements of a source row, at least 1, and its stride
+ * @param pDst, mDst       destination
+ * @param pIndx            `dstLen` column numbers, each at least 0 and below `srcLen`
+ * @param dstLen, dstStep  elements written of a destination row, at least 1, and its stride
+ * @param height           number of rows, at least 1
+ * @return #StsNoErr, #StsNullPtr, #StsSize, #StsStep; `Indirect_*_D2` in this order: #StsNullPtr, #StsSize and #StsStep
+ * of the source, then of the destination, #StsSize of the height. For a bad column number #StsSize, with the part of
+ *         the first row that is ahead of it written.
+ * @{
+ */
+LYRSR_API Status lyrsCopyColumn_32f_D2(const Elem32f* pSrc, Elem32s width, Elem32f* pDst, Elem32s dstStep,
+                                       Elem32s height);
+LYRSR_API Status lyrsCopyColumn_16s_D2(const Elem16s* pSrc, Elem32s width, Elem16s* pDst, Elem32s dstStep,
+                                       Elem32s height);
+LYRSR_API Status lyrsCopyColumn_Indirect_32f_D2(const Elem32f* pSrc, Elem32s srcLen, Elem32s srcStep, Elem32f* pDst,
+                                                const Elem32s* pIndx, Elem32s dstLen, Elem32s dstStep, Elem32s height);
+LYRSR_API Status lyrsCopyColumn_Indirect_64f_D2(const Elem64f* pSrc, Elem32s srcLen, Elem32s srcStep, Elem64f* pDst,
+                                                const Elem32s* pIndx, Elem32s dstLen, Elem32s dstStep, Elem32s height);
+LYRSR_API Status lyrsCopyColumn_Indirect_16s_D2(const Elem16s* pSrc, Elem32s srcLen, Elem32s srcStep, Elem16s* pDst,
+                                                const Elem32s* pIndx, Elem32s dstLen, Elem32s dstStep, Elem32s height);
+LYRSR_API Status lyrsCopyColumn_Indirect_32f_D2L(const Elem32f* const* mSrc, Elem32s srcLen, Elem32f* const* mDst,
+                                                 const Elem32s* pIndx, Elem32s dstLen, Elem32s height);
+LYRSR_API Status lyrsCopyColumn_Indirect_64f_D2L(const Elem64f* const* mSrc, Elem32s srcLen, Elem64f* const* mDst,
+                                                 const Elem32s* pIndx, Elem32s dstLen, Elem32s height);
+LYRSR_API Status lyrsCopyColumn_Indirect_16s_D2L(const Elem16s* const* mSrc, Elem32s srcLen, Elem16s* const* mDst,
+                                                 const Elem32s* pIndx, Elem32s dstLen, Elem32s height);
+/** @} */
+/** @} */
+
 /* =========================================== estimation: column statistics ======================================== */
 
 /**
