@@ -728,6 +728,134 @@ LYRSR_API Status lyrsLogGauss_IdVar_64f_D2L(const Elem64f* const* mPtr, const El
 
 /* ============================================= front end: DCT, lifter ============================================= */
 
+/**
+ * @defgroup frontend_dct Cepstra: DCT and liftering
+ *
+ * Log filter-bank energies to cepstra in one step (Davis and Mermelstein, IEEE Trans. ASSP 28(4), 1980):
+ *
+ *     c[i] = w[i] * sum over j of x[j] * cos((j + 1/2) * i * pi / lenDCT),   i = 1 ... lenCepstrum
+ *
+ * c[1] is the first output. In the `C0` and `MulC0` forms the zeroth coefficient w[0] * sum of x[j] follows as the last
+ * of lenCepstrum + 1 outputs. There is no sqrt(2/N) or other normalisation: all scale goes in through the weights w. A
+ * state record holds the weights and the table of cosines, in single precision like all arithmetic, and is made for one
+ * form:
+ *  - plain: the sine lifter w[i] = (1 + nLifter/2 * sin(i * pi / nLifter)) * val (Juang, Rabiner and Wilpon, IEEE
+ * Trans. ASSP 35(7), 1987); `nLifter` below `lenCepstrum` is legal and makes later weights smaller than `val`.
+ *  - `C0`: the same with w[0] = val0.
+ *  - `Mul`: w[1] ... w[lenCepstrum] from the caller's `pLifter`.
+ *  - `MulC0`: the same, and w[0] is the last element of `pLifter` once more: the array has lenCepstrum elements, and
+ * its last one weighs both the highest coefficient and the zeroth.
+ *
+ * A DCTLifterState_32f is only read by transforms and may be shared by threads. A DCTLifterState_16s holds scratch that
+ * each transform writes, and serves one thread at a time.
+ * @{
+ */
+
+/** State of a transform of singles; see the group. */
+typedef struct DCTLifterState_32f DCTLifterState_32f;
+/** State of a transform of integers; see the group. */
+typedef struct DCTLifterState_16s DCTLifterState_16s;
+
+/**
+ * @name Size of a state in the caller's memory
+ * The buffer must be aligned as a pointer to any object is from the C library, or less: 8 bytes on 64-bit, 4 bytes on
+ * 32-bit builds.
+ * @param lenDCT      number of inputs, at least `lenCepstrum`; at most 8192 in `lyrsDCTLifterGetSize_MulC0_16s`
+ * @param lenCepstrum number of outputs without the zeroth coefficient, at least 1
+ * @param pSize       receives the bytes of the buffer for the `Init` function of the same form
+ * @return #StsNoErr, #StsNullPtr, #StsSize (also for a size that 32 bits cannot tell)
+ * @{
+ */
+LYRSR_API Status lyrsDCTLifterGetSize_32f(Elem32s lenDCT, Elem32s lenCepstrum, Elem32s* pSize);
+LYRSR_API Status lyrsDCTLifterGetSize_C0_32f(Elem32s lenDCT, Elem32s lenCepstrum, Elem32s* pSize);
+LYRSR_API Status lyrsDCTLifterGetSize_Mul_32f(Elem32s lenDCT, Elem32s lenCepstrum, Elem32s* pSize);
+LYRSR_API Status lyrsDCTLifterGetSize_MulC0_32f(Elem32s lenDCT, Elem32s lenCepstrum, Elem32s* pSize);
+LYRSR_API Status lyrsDCTLifterGetSize_16s(Elem32s lenDCT, Elem32s lenCepstrum, Elem32s* pSize);
+LYRSR_API Status lyrsDCTLifterGetSize_C0_16s(Elem32s lenDCT, Elem32s lenCepstrum, Elem32s* pSize);
+LYRSR_API Status lyrsDCTLifterGetSize_Mul_16s(Elem32s lenDCT, Elem32s lenCepstrum, Elem32s* pSize);
+LYRSR_API Status lyrsDCTLifterGetSize_MulC0_16s(Elem32s lenDCT, Elem32s lenCepstrum, Elem32s* pSize);
+/** @} */
+
+/**
+ * @name A state in the caller's memory
+ * The caller releases the buffer, not `lyrsDCTLifterFree_*`.
+ * @param pState      buffer of the size told by the `GetSize` function of the same form
+ * @param lenDCT      number of inputs, at least `lenCepstrum`
+ * @param lenCepstrum number of outputs without the zeroth coefficient, at least 1
+ * @param nLifter     length of the sine lifter, at least 1
+ * @param val         factor of all sine weights
+ * @param val0        weight of the zeroth coefficient
+ * @param pLifter     `lenCepstrum` weights; whole numbers in `lyrsDCTLifterInit_MulC0_16s`
+ * @return #StsNoErr, #StsNullPtr, #StsSize
+ * @{
+ */
+LYRSR_API Status lyrsDCTLifterInit_32f(DCTLifterState_32f* pState, Elem32s lenDCT, Elem32s lenCepstrum, Elem32s nLifter,
+                                       Elem32f val);
+LYRSR_API Status lyrsDCTLifterInit_16s(DCTLifterState_16s* pState, Elem32s lenDCT, Elem32s lenCepstrum, Elem32s nLifter,
+                                       Elem32f val);
+LYRSR_API Status lyrsDCTLifterInit_C0_32f(DCTLifterState_32f* pState, Elem32s lenDCT, Elem32s lenCepstrum,
+                                          Elem32s nLifter, Elem32f val, Elem32f val0);
+LYRSR_API Status lyrsDCTLifterInit_C0_16s(DCTLifterState_16s* pState, Elem32s lenDCT, Elem32s lenCepstrum,
+                                          Elem32s nLifter, Elem32f val, Elem32f val0);
+LYRSR_API Status lyrsDCTLifterInit_Mul_32f(DCTLifterState_32f* pState, Elem32s lenDCT, const Elem32f* pLifter,
+                                           Elem32s lenCepstrum);
+LYRSR_API Status lyrsDCTLifterInit_Mul_16s(DCTLifterState_16s* pState, Elem32s lenDCT, const Elem32f* pLifter,
+                                           Elem32s lenCepstrum);
+LYRSR_API Status lyrsDCTLifterInit_MulC0_32f(DCTLifterState_32f* pState, Elem32s lenDCT, const Elem32f* pLifter,
+                                             Elem32s lenCepstrum);
+LYRSR_API Status lyrsDCTLifterInit_MulC0_16s(DCTLifterState_16s* pState, Elem32s lenDCT, const Elem32s* pLifter,
+                                             Elem32s lenCepstrum);
+/** @} */
+
+/**
+ * @name An allocated state
+ * As the `Init` function of the same form, in memory of the library's own. Released by `lyrsDCTLifterFree_*`.
+ * @param ppState receives the state. If an allocation fails after that of the record itself, the incomplete record is
+ *                there too, and is to be released; if that of the record fails, `*ppState` does not change.
+ * @return #StsNoErr, #StsNullPtr, #StsSize, #StsMemAlloc
+ * @{
+ */
+LYRSR_API Status lyrsDCTLifterInitAlloc_32f(DCTLifterState_32f** ppState, Elem32s lenDCT, Elem32s lenCepstrum,
+                                            Elem32s nLifter, Elem32f val);
+LYRSR_API Status lyrsDCTLifterInitAlloc_C0_32f(DCTLifterState_32f** ppState, Elem32s lenDCT, Elem32s lenCepstrum,
+                                               Elem32s nLifter, Elem32f val, Elem32f val0);
+LYRSR_API Status lyrsDCTLifterInitAlloc_Mul_32f(DCTLifterState_32f** ppState, Elem32s lenDCT, const Elem32f* pLifter,
+                                                Elem32s lenCepstrum);
+LYRSR_API Status lyrsDCTLifterInitAlloc_MulC0_32f(DCTLifterState_32f** ppState, Elem32s lenDCT, const Elem32f* pLifter,
+                                                  Elem32s lenCepstrum);
+LYRSR_API Status lyrsDCTLifterInitAlloc_16s(DCTLifterState_16s** ppState, Elem32s lenDCT, Elem32s lenCepstrum,
+                                            Elem32s nLifter, Elem32f val);
+LYRSR_API Status lyrsDCTLifterInitAlloc_C0_16s(DCTLifterState_16s** ppState, Elem32s lenDCT, Elem32s lenCepstrum,
+                                               Elem32s nLifter, Elem32f val, Elem32f val0);
+LYRSR_API Status lyrsDCTLifterInitAlloc_Mul_16s(DCTLifterState_16s** ppState, Elem32s lenDCT, const Elem32f* pLifter,
+                                                Elem32s lenCepstrum);
+LYRSR_API Status lyrsDCTLifterInitAlloc_MulC0_16s(DCTLifterState_16s** ppState, Elem32s lenDCT, const Elem32s* pLifter,
+                                                  Elem32s lenCepstrum);
+/** Releases a state from `lyrsDCTLifterInitAlloc_*_32f`, complete or not. @return #StsNoErr, #StsNullPtr */
+LYRSR_API Status lyrsDCTLifterFree_32f(DCTLifterState_32f* pState);
+/** Releases a state from `lyrsDCTLifterInitAlloc_*_16s`, complete or not. @return #StsNoErr, #StsNullPtr */
+LYRSR_API Status lyrsDCTLifterFree_16s(DCTLifterState_16s* pState);
+/** @} */
+
+/**
+ * @name Transform
+ * `lyrsDCTLifter_32f` gives the same bits whatever the alignment of `pSrc`. The other two convert the inputs to single
+ * without a scale; the scale factor acts on the result alone.
+ * @param pSrc        `lenDCT` log energies
+ * @param pDst        receives `lenCepstrum` cepstra, one more with the zeroth coefficient
+ * @param pState      state record
+ * @param scaleFactor scale of the result
+ * @return #StsNoErr, #StsNullPtr
+ * @{
+ */
+LYRSR_API Status lyrsDCTLifter_32f(const Elem32f* pSrc, Elem32f* pDst, const DCTLifterState_32f* pState);
+LYRSR_API Status lyrsDCTLifter_16s_Sfs(const Elem16s* pSrc, Elem16s* pDst, DCTLifterState_16s* pState,
+                                       Elem32s scaleFactor);
+LYRSR_API Status lyrsDCTLifter_32s16s_Sfs(const Elem32s* pSrc, Elem16s* pDst, DCTLifterState_16s* pState,
+                                          Elem32s scaleFactor);
+/** @} */
+/** @} */
+
 /* ================================================ front end: deltas =============================================== */
 
 /**

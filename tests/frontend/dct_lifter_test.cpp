@@ -1,0 +1,629 @@
+// The DCT with liftering: the records of every form, exactly; the transforms within the rounding of their sums.
+
+#include "lyrsr.h"
+
+#include "frontend/dct_lifter.hpp"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstddef>
+#include <cstring>
+#include <gtest/gtest.h>
+#include <limits>
+#include <string>
+#include <type_traits>
+#include <vector>
+
+#include "oracle/dct_lifter.hpp"
+#include "support/allocation.hpp"
+#include "support/guarded.hpp"
+#include "support/random.hpp"
+#include "support/ulp.hpp"
+
+namespace {
+
+using lyr::test::Guarded;
+using lyr::test::Random;
+using lyr::test::sameBits;
+
+// Tools read the records: the fields stand in this order, without gaps.
+static_assert(offsetof(DCTLifterState_32f, nLifter) == 0 && offsetof(DCTLifterState_32f, lenDCT) == 4 &&
+              offsetof(DCTLifterState_32f, lenCepstrum) == 8 && offsetof(DCTLifterState_32f, hasC0) == 12 &&
+              offsetof(DCTLifterState_32f, pLifter) == 16 && offsetof(DCTLifterState_32f, pRows) == 16 + sizeof(void*));
+static_assert(offsetof(DCTLifterState_16s, nLifter) == 0 && offsetof(DCTLifterState_16s, lenDCT) == 4 &&
+              offsetof(DCTLifterState_16s, lenCepstrum) == 8 && offsetof(DCTLifterState_16s, hasC0) == 12 &&
+              offsetof(DCTLifterState_16s, pLifter) == 16 && offsetof(DCTLifterState_16s, pTmp) == 16 + sizeof(void*) &&
+              offsetof(DCTLifterState_16s, pRows) == 16 + 2 * sizeof(void*));
+
+// What all forms of one precision are called with; each takes what it needs.
+struct Arguments
+{
+    Elem32s lenDCT = 23;
+    Elem32s lenCepstrum = 12;
+    Elem32s nLifter = 22;
+    float val = 1.5F;
+    float val0 = 0.75F;
+    std::vector<float> weights{};
+    std::vector<Elem32s> wholeWeights{};
+};
+
+Arguments arguments(Elem32s lenDCT, Elem32s lenCepstrum, Elem32s nLifter = 22)
+{
+    Random random(static_cast<std::uint32_t>(lenDCT * 1000 + lenCepstrum));
+    Arguments a{.lenDCT = lenDCT, .lenCepstrum = lenCepstrum, .nLifter = nLifter};
+    a.weights = random.vector<float>(static_cast<std::size_t>(lenCepstrum), -3, 3);
+    a.wholeWeights = random.vector<Elem32s>(static_cast<std::size_t>(lenCepstrum), -50, 50);
+    return a;
+}
+
+template <class State>
+struct Form
+{
+    const char* name;
+    bool isSine;
+    bool hasC0;
+    bool isWhole;
+    Status (*getSize)(Elem32s, Elem32s, Elem32s*);
+    Status (*init)(State*, const Arguments&);
+    Status (*initAlloc)(State**, const Arguments&);
+
+    [[nodiscard]] std::vector<float> weights(const Arguments& a) const
+    {
+        if (isWhole) {
+            return lyr::oracle::givenWeights(a.wholeWeights, hasC0);
+        }
+        if (!isSine) {
+            return lyr::oracle::givenWeights(a.weights, hasC0);
+        }
+        auto w = lyr::oracle::sineWeights(a.lenCepstrum, a.nLifter, a.val);
+        if (hasC0) {
+            w[0] = a.val0;
+        }
+        return w;
+    }
+};
+
+#define LYR_SINE_FORM(TAG, HAS_C0, STATE, ...)                                                                         \
+    Form<STATE>                                                                                                        \
+    {                                                                                                                  \
+#TAG, true, HAS_C0, false, lyrsDCTLifterGetSize_##TAG,                                                         \
+            [](STATE* s, const Arguments& a) {                                                                         \
+                return lyrsDCTLifterInit_##TAG(s, a.lenDCT, a.lenCepstrum, a.nLifter, __VA_ARGS__);                    \
+            },                                                                                                         \
+            [](STATE** s, const Arguments& a) {                                                                        \
+                return lyrsDCTLifterInitAlloc_##TAG(s, a.lenDCT, a.lenCepstrum, a.nLifter, __VA_ARGS__);               \
+            }       \
+    }
+
+#define LYR_GIVEN_FORM(TAG, HAS_C0, STATE, WEIGHTS, IS_WHOLE)                                                          \
+    Form<STATE>                                                                                                        \
+    {                                                                                                                  \
+#TAG, false, HAS_C0, IS_WHOLE, lyrsDCTLifterGetSize_##TAG,                                                     \
+            [](STATE* s, const Arguments& a) {                                                                         \
+                return lyrsDCTLifterInit_##TAG(s, a.lenDCT, a.WEIGHTS.data(), a.lenCepstrum);                          \
+            },                                                                                                         \
+            [](STATE** s, const Arguments& a) {                                                                        \
+                return lyrsDCTLifterInitAlloc_##TAG(s, a.lenDCT, a.WEIGHTS.data(), a.lenCepstrum);                     \
+            }       \
+    }
+
+const Form<DCTLifterState_32f> single[] = {
+    LYR_SINE_FORM(32f, false, DCTLifterState_32f, a.val),
+    LYR_SINE_FORM(C0_32f, true, DCTLifterState_32f, a.val, a.val0),
+    LYR_GIVEN_FORM(Mul_32f, false, DCTLifterState_32f, weights, false),
+    LYR_GIVEN_FORM(MulC0_32f, true, DCTLifterState_32f, weights, false),
+};
+
+const Form<DCTLifterState_16s> fixed[] = {
+    LYR_SINE_FORM(16s, false, DCTLifterState_16s, a.val),
+    LYR_SINE_FORM(C0_16s, true, DCTLifterState_16s, a.val, a.val0),
+    LYR_GIVEN_FORM(Mul_16s, false, DCTLifterState_16s, weights, false),
+    LYR_GIVEN_FORM(MulC0_16s, true, DCTLifterState_16s, wholeWeights, true),
+};
+
+Status release(DCTLifterState_32f* s)
+{
+    return lyrsDCTLifterFree_32f(s);
+}
+Status release(DCTLifterState_16s* s)
+{
+    return lyrsDCTLifterFree_16s(s);
+}
+
+constexpr struct
+{
+    Elem32s lenDCT;
+    Elem32s lenCepstrum;
+    Elem32s nLifter;
+} shapes[] = {{1, 1, 1},    {2, 1, 5},   {5, 5, 2},    {8, 3, 22},   {9, 8, 22},   {16, 16, 3},
+              {23, 12, 22}, {24, 13, 1}, {26, 13, 22}, {40, 13, 22}, {70, 33, 11}, {129, 2, 1000}};
+
+// The record in full: fields, weights and table bit by bit, rows at multiples of 32 bytes.
+template <class State>
+void expectRecord(const State& s, const Form<State>& form, const Arguments& a)
+{
+    EXPECT_EQ(s.nLifter, form.isSine ? a.nLifter : -1);
+    EXPECT_EQ(s.lenDCT, a.lenDCT);
+    EXPECT_EQ(s.lenCepstrum, a.lenCepstrum);
+    EXPECT_EQ(s.hasC0, form.hasC0 ? 1 : 0);
+    EXPECT_EQ(reinterpret_cast<std::uintptr_t>(s.pLifter) % 32, 0U);
+    const auto weights = form.weights(a);
+    for (Elem32s i = 0; i <= a.lenCepstrum; ++i) {
+        ASSERT_TRUE(sameBits(s.pLifter[i], weights[static_cast<std::size_t>(i)])) << "weight " << i;
+        ASSERT_EQ(reinterpret_cast<std::uintptr_t>(s.pRows[i]) % 32, 0U) << "row " << i;
+        for (Elem32s j = 0; j < a.lenDCT; ++j) {
+            ASSERT_TRUE(sameBits(s.pRows[i][j], lyr::oracle::cosine(i, j, a.lenDCT))) << "row " << i << ' ' << j;
+        }
+    }
+    for (Elem32s j = 0; j < a.lenDCT; ++j) {
+        ASSERT_EQ(s.pRows[0][j], 1.0F);
+    }
+}
+
+// The value of a coefficient is within lenDCT + 1 roundings of the exact one, each at most half a unit of the sum of
+// the magnitudes that enter (Higham, Accuracy and Stability of Numerical Algorithms, 2002, section 3.1).
+double errorBound(const lyr::oracle::Coefficient& c, std::size_t lenDCT)
+{
+    constexpr double unit = std::numeric_limits<float>::epsilon() / 2.0;
+    const auto n = static_cast<double>(lenDCT) + 2;
+    return n * unit / (1 - n * unit) * static_cast<double>(c.magnitude) + 1e-44;
+}
+
+template <class S>
+void expectCepstra(const float* y, const std::vector<S>& x, const std::vector<float>& weights, bool hasC0)
+{
+    const int count = static_cast<int>(weights.size()) - 1;
+    for (int k = 0; k < count + (hasC0 ? 1 : 0); ++k) {
+        const int i = k < count ? k + 1 : 0; // the zeroth coefficient comes last
+        const auto c = lyr::oracle::coefficient(x, i, weights[static_cast<std::size_t>(i)]);
+        ASSERT_NEAR(static_cast<double>(y[k]), static_cast<double>(c.value), errorBound(c, x.size())) << k;
+    }
+}
+
+const float* cepstraOf(const std::vector<float>& x, std::vector<float>& y, DCTLifterState_32f* state)
+{
+    EXPECT_EQ(lyrsDCTLifter_32f(x.data(), y.data(), state), StsNoErr);
+    return y.data();
+}
+
+const float* cepstraOf(const std::vector<Elem16s>& x, std::vector<float>& y, DCTLifterState_16s* state)
+{
+    std::vector<Elem16s> rounded(y.size());
+    EXPECT_EQ(lyrsDCTLifter_16s_Sfs(x.data(), rounded.data(), state, 0), StsNoErr);
+    return state->pTmp;
+}
+
+template <class State>
+void expectTransform(State* state, const Form<State>& form, const Arguments& a)
+{
+    using Element = std::conditional_t<std::is_same_v<State, DCTLifterState_32f>, float, Elem16s>;
+    Random random(50);
+    const auto x = random.vector<Element>(static_cast<std::size_t>(a.lenDCT), -20, 20);
+    std::vector<float> y(static_cast<std::size_t>(a.lenCepstrum) + (form.hasC0 ? 1 : 0));
+    expectCepstra(cepstraOf(x, y, state), x, form.weights(a), form.hasC0);
+}
+
+// A record in a buffer of exactly the size told, which ends at an unmapped page, at every alignment that a caller's
+// memory may have.
+template <class State>
+void compareInit(const Form<State>& form)
+{
+    for (const auto& shape : shapes) {
+        SCOPED_TRACE(std::string(form.name) + ' ' + std::to_string(shape.lenDCT) + ' ' +
+                     std::to_string(shape.lenCepstrum));
+        const Arguments a = arguments(shape.lenDCT, shape.lenCepstrum, shape.nLifter);
+        Elem32s size = 0;
+        ASSERT_EQ(form.getSize(shape.lenDCT, shape.lenCepstrum, &size), StsNoErr);
+        constexpr std::size_t unit = sizeof(void*);
+        for (std::size_t offset = 0; offset < 64; offset += unit) {
+            // A write ahead of the buffer or behind it shows in `intact`; the offset at which it ends nearest to the
+            // unmapped page is among these.
+            const Guarded<std::byte> buffer(static_cast<std::size_t>(size), offset);
+            auto* const state = reinterpret_cast<State*>(buffer.data());
+            ASSERT_EQ(form.init(state, a), StsNoErr);
+            expectRecord(*state, form, a);
+            expectTransform(state, form, a);
+            EXPECT_TRUE(buffer.intact()) << offset;
+        }
+    }
+}
+
+template <class State>
+void compareInitAlloc(const Form<State>& form)
+{
+    const long before = lyr::test::liveAllocations();
+    for (const auto& shape : shapes) {
+        SCOPED_TRACE(std::string(form.name) + ' ' + std::to_string(shape.lenDCT) + ' ' +
+                     std::to_string(shape.lenCepstrum));
+        const Arguments a = arguments(shape.lenDCT, shape.lenCepstrum, shape.nLifter);
+        State* state = nullptr;
+        ASSERT_EQ(form.initAlloc(&state, a), StsNoErr);
+        expectRecord(*state, form, a);
+        EXPECT_EQ(release(state), StsNoErr);
+    }
+    EXPECT_EQ(lyr::test::liveAllocations(), before);
+}
+
+TEST(DctLifter, RecordsInTheCallersMemory)
+{
+    for (const auto& form : single) {
+        compareInit(form);
+    }
+    for (const auto& form : fixed) {
+        compareInit(form);
+    }
+}
+
+TEST(DctLifter, RecordsOfTheLibrary)
+{
+    for (const auto& form : single) {
+        compareInitAlloc(form);
+    }
+    for (const auto& form : fixed) {
+        compareInitAlloc(form);
+    }
+}
+
+// A failure leaves the record in *ppState with what it had so far, and Free copes; only without a record nothing
+// changes.
+template <class State>
+void failAllocations(const Form<State>& form, int allocations)
+{
+    SCOPED_TRACE(form.name);
+    const Arguments a = arguments(23, 12);
+    State* const unset = reinterpret_cast<State*>(alignof(State));
+    State* state = unset;
+    int failures = 0;
+    const int made = lyr::test::failEachAllocation(
+        [&] {
+            state = unset;
+            return form.initAlloc(&state, a);
+        },
+        [&] {
+            if (state != unset) {
+                EXPECT_EQ(release(state), StsNoErr);
+            }
+        },
+        [&] {
+            EXPECT_EQ(state == unset, failures == 0);
+            if (state != unset) {
+                EXPECT_EQ(state->lenDCT, 23);
+                EXPECT_EQ(state->pLifter != nullptr, failures > 1);
+                EXPECT_EQ(state->pRows, nullptr);
+            }
+            ++failures;
+        });
+    EXPECT_EQ(made, allocations);
+    EXPECT_EQ(release(state), StsNoErr);
+}
+
+TEST(DctLifter, AllocationFailures)
+{
+    for (const auto& form : single) {
+        failAllocations(form, 3);
+    }
+    for (const auto& form : fixed) {
+        failAllocations(form, 4);
+    }
+}
+
+TEST(DctLifter, LengthsBeyondMemoryFailAsExhaustedMemory)
+{
+    DCTLifterState_32f* state = nullptr;
+    EXPECT_EQ(lyrsDCTLifterInitAlloc_32f(&state, INT32_MAX, INT32_MAX, 1, 1.0F), StsMemAlloc);
+    ASSERT_NE(state, nullptr);
+    EXPECT_EQ(lyrsDCTLifterFree_32f(state), StsNoErr);
+}
+
+// ------------------------------------------------------------------------------------------------------------- sizes
+
+TEST(DctLifter, SizesAgreeWithinAPrecision)
+{
+    for (const auto& shape : shapes) {
+        Elem32s first = 0;
+        Elem32s size = 0;
+        ASSERT_EQ(lyrsDCTLifterGetSize_32f(shape.lenDCT, shape.lenCepstrum, &first), StsNoErr);
+        for (const auto& form : single) {
+            ASSERT_EQ(form.getSize(shape.lenDCT, shape.lenCepstrum, &size), StsNoErr);
+            EXPECT_EQ(size, first) << form.name;
+        }
+        ASSERT_EQ(lyrsDCTLifterGetSize_16s(shape.lenDCT, shape.lenCepstrum, &first), StsNoErr);
+        for (const auto* form = fixed; form != fixed + 3; ++form) {
+            ASSERT_EQ(form->getSize(shape.lenDCT, shape.lenCepstrum, &size), StsNoErr);
+            EXPECT_EQ(size, first) << form->name;
+        }
+    }
+    // Rows count padded to 8 elements; in the one form of its own they count as they are, with 32 bytes of slack each.
+    Elem32s a = 0;
+    Elem32s b = 0;
+    ASSERT_EQ(lyrsDCTLifterGetSize_32f(17, 4, &a), StsNoErr);
+    ASSERT_EQ(lyrsDCTLifterGetSize_32f(24, 4, &b), StsNoErr);
+    EXPECT_EQ(a, b);
+    ASSERT_EQ(lyrsDCTLifterGetSize_MulC0_16s(17, 4, &a), StsNoErr);
+    ASSERT_EQ(lyrsDCTLifterGetSize_MulC0_16s(24, 4, &b), StsNoErr);
+    EXPECT_EQ(b - a, 5 * 7 * 4);
+}
+
+TEST(DctLifter, OneFormAloneIsBoundTo8192Inputs)
+{
+    for (const auto& form : single) {
+        Elem32s size = -1;
+        EXPECT_EQ(form.getSize(8193, 4, &size), StsNoErr) << form.name;
+    }
+    for (const auto& form : fixed) {
+        Elem32s size = -1;
+        const bool isBound = std::string(form.name) == "MulC0_16s";
+        EXPECT_EQ(form.getSize(8193, 4, &size), isBound ? StsSize : StsNoErr) << form.name;
+        EXPECT_EQ(size == -1, isBound);
+        EXPECT_EQ(form.getSize(8192, 4, &size), StsNoErr) << form.name;
+    }
+    // The bound is of the size alone, not of the state.
+    const Arguments a = arguments(8200, 2);
+    DCTLifterState_16s* state = nullptr;
+    ASSERT_EQ(lyrsDCTLifterInitAlloc_MulC0_16s(&state, 8200, a.wholeWeights.data(), 2), StsNoErr);
+    EXPECT_EQ(lyrsDCTLifterFree_16s(state), StsNoErr);
+}
+
+TEST(DctLifter, SizesBeyond32BitsAreErrors)
+{
+    Elem32s size = -1;
+    EXPECT_EQ(lyrsDCTLifterGetSize_32f(INT32_MAX, INT32_MAX, &size), StsSize);
+    EXPECT_EQ(lyrsDCTLifterGetSize_16s(INT32_MAX, 1, &size), StsSize);
+    EXPECT_EQ(lyrsDCTLifterGetSize_32f(40000, 20000, &size), StsSize);
+    EXPECT_EQ(size, -1);
+    EXPECT_EQ(lyrsDCTLifterGetSize_32f(20000, 20000, &size), StsNoErr);
+    EXPECT_GT(size, 20000 * 20000 * 4);
+}
+
+template <class State>
+void expectSizeErrors(const Form<State>& form)
+{
+    SCOPED_TRACE(form.name);
+    const Arguments good = arguments(8, 8);
+    std::vector<std::byte> buffer(20000, std::byte{0x5A});
+    auto* const state = reinterpret_cast<State*>(buffer.data());
+    State* allocated = nullptr;
+    for (const auto& [lenDCT, lenCepstrum, nLifter] :
+         {std::array{0, 8, 22}, {8, 0, 22}, {-1, -1, 22}, {7, 8, 22}, {8, 9, 22}, {INT32_MIN, 1, 1}}) {
+        Arguments a = good;
+        a.lenDCT = lenDCT;
+        a.lenCepstrum = lenCepstrum;
+        a.nLifter = nLifter;
+        Elem32s size = -1;
+        EXPECT_EQ(form.getSize(lenDCT, lenCepstrum, &size), StsSize);
+        EXPECT_EQ(form.getSize(lenDCT, lenCepstrum, nullptr), StsNullPtr);
+        EXPECT_EQ(size, -1);
+        EXPECT_EQ(form.init(state, a), StsSize);
+        EXPECT_EQ(form.initAlloc(&allocated, a), StsSize);
+        EXPECT_EQ(form.init(nullptr, a), StsNullPtr);
+        EXPECT_EQ(form.initAlloc(nullptr, a), StsNullPtr);
+    }
+    Arguments a = good;
+    a.nLifter = 0;
+    EXPECT_EQ(form.init(state, a), form.isSine ? StsSize : StsNoErr);
+    if (form.isSine) {
+        EXPECT_EQ(form.initAlloc(&allocated, a), StsSize);
+        EXPECT_TRUE(std::all_of(buffer.begin(), buffer.end(), [](std::byte b) { return b == std::byte{0x5A}; }));
+    }
+    EXPECT_EQ(allocated, nullptr);
+}
+
+TEST(DctLifter, SizeErrors)
+{
+    for (const auto& form : single) {
+        expectSizeErrors(form);
+    }
+    for (const auto& form : fixed) {
+        expectSizeErrors(form);
+    }
+}
+
+// ----------------------------------------------------------------------------------------------------------- weights
+
+TEST(DctLifter, ALifterOfLengthOneWeighsEveryCoefficientAlike)
+{
+    DCTLifterState_32f* state = nullptr;
+    ASSERT_EQ(lyrsDCTLifterInitAlloc_32f(&state, 16, 12, 1, 3.0F), StsNoErr);
+    for (int i = 0; i <= 12; ++i) {
+        EXPECT_NEAR(state->pLifter[i], 3.0F, 1e-6F) << i;
+    }
+    EXPECT_EQ(lyrsDCTLifterFree_32f(state), StsNoErr);
+}
+
+TEST(DctLifter, BeyondTheLengthOfTheLifterTheSineIsNegative)
+{
+    DCTLifterState_32f* state = nullptr;
+    ASSERT_EQ(lyrsDCTLifterInitAlloc_32f(&state, 16, 12, 6, 2.0F), StsNoErr);
+    for (int i = 7; i < 12; ++i) {
+        EXPECT_LT(state->pLifter[i], 2.0F) << i;
+    }
+    EXPECT_EQ(lyrsDCTLifterFree_32f(state), StsNoErr);
+}
+
+// No zero or NaN of an argument is an error.
+TEST(DctLifter, AnyValueIsAWeight)
+{
+    DCTLifterState_32f* state = nullptr;
+    ASSERT_EQ(lyrsDCTLifterInitAlloc_C0_32f(&state, 4, 2, 2, 0.0F, std::numeric_limits<float>::quiet_NaN()), StsNoErr);
+    EXPECT_EQ(state->pLifter[1], 0.0F);
+    EXPECT_TRUE(std::isnan(state->pLifter[0]));
+    EXPECT_EQ(lyrsDCTLifterFree_32f(state), StsNoErr);
+}
+
+// The last weight of the MulC0 forms serves two outputs, the highest coefficient and the zeroth.
+TEST(DctLifter, TheLastGivenWeightChangesTwoOutputs)
+{
+    const std::vector<float> x{1, 2, 3, 4, 5, 7};
+    std::vector<float> y[2];
+    for (const float last : {1.0F, 2.0F}) {
+        const std::vector<float> weights{1, 1, last};
+        DCTLifterState_32f* state = nullptr;
+        ASSERT_EQ(lyrsDCTLifterInitAlloc_MulC0_32f(&state, 6, weights.data(), 3), StsNoErr);
+        auto& out = y[last == 1.0F ? 0 : 1];
+        out.resize(4);
+        ASSERT_EQ(lyrsDCTLifter_32f(x.data(), out.data(), state), StsNoErr);
+        EXPECT_EQ(lyrsDCTLifterFree_32f(state), StsNoErr);
+    }
+    EXPECT_EQ(y[0][0], y[1][0]);
+    EXPECT_EQ(y[0][1], y[1][1]);
+    EXPECT_EQ(2 * y[0][2], y[1][2]);
+    EXPECT_EQ(y[0][3], 22.0F);
+    EXPECT_EQ(y[1][3], 44.0F);
+}
+
+// --------------------------------------------------------------------------------------------------------- transform
+
+TEST(DctLifter, TransformOfEveryLength)
+{
+    Random random(51);
+    for (const auto& form : single) {
+        for (Elem32s lenDCT = 1; lenDCT <= 70; ++lenDCT) {
+            for (const Elem32s lenCepstrum : {1, 2, 3, 4, 5, 7, 8, 12, 13, lenDCT}) {
+                if (lenCepstrum > lenDCT) {
+                    continue;
+                }
+                SCOPED_TRACE(std::string(form.name) + ' ' + std::to_string(lenDCT) + ' ' + std::to_string(lenCepstrum));
+                const Arguments a = arguments(lenDCT, lenCepstrum);
+                DCTLifterState_32f* state = nullptr;
+                ASSERT_EQ(form.initAlloc(&state, a), StsNoErr);
+                const auto n = static_cast<std::size_t>(lenDCT);
+                const auto outputs = static_cast<std::size_t>(lenCepstrum) + (form.hasC0 ? 1 : 0);
+                const auto x = random.vector<float>(n, -20, 20);
+                std::vector<float> reference;
+                for (const std::size_t offset :
+                     {std::size_t{0}, std::size_t{4}, std::size_t{8}, std::size_t{12}, Guarded<float>::flush(n)}) {
+                    const Guarded<float> src(x, offset);
+                    const Guarded<float> dst(outputs, Guarded<float>::flush(outputs));
+                    ASSERT_EQ(lyrsDCTLifter_32f(src.data(), dst.data(), state), StsNoErr);
+                    EXPECT_TRUE(dst.intact());
+                    EXPECT_EQ(src.copy(), x);
+                    if (reference.empty()) {
+                        reference = dst.copy();
+                        expectCepstra(reference.data(), x, form.weights(a), form.hasC0);
+                    }
+                    // The same bits whatever the alignment.
+                    ASSERT_EQ(dst.copy(), reference) << offset;
+                }
+                EXPECT_EQ(lyrsDCTLifterFree_32f(state), StsNoErr);
+            }
+        }
+    }
+}
+
+// What stands behind the inputs does not count, even NaN.
+TEST(DctLifter, BytesBehindTheInputsDoNotCount)
+{
+    for (Elem32s lenDCT = 1; lenDCT <= 35; ++lenDCT) {
+        DCTLifterState_32f* state = nullptr;
+        ASSERT_EQ(lyrsDCTLifterInitAlloc_C0_32f(&state, lenDCT, 1, 1, 1.0F, 1.0F), StsNoErr);
+        alignas(64) float x[64];
+        std::fill_n(x, 64, std::numeric_limits<float>::quiet_NaN());
+        std::fill_n(x, lenDCT, 2.0F);
+        float y[2] = {};
+        ASSERT_EQ(lyrsDCTLifter_32f(x, y, state), StsNoErr);
+        EXPECT_EQ(y[1], 2.0F * static_cast<float>(lenDCT));
+        EXPECT_NEAR(y[0], 0.0F, 1e-4F);
+        EXPECT_EQ(lyrsDCTLifterFree_32f(state), StsNoErr);
+    }
+}
+
+Status transform(const Elem16s* src, Elem16s* dst, DCTLifterState_16s* s, Elem32s scale)
+{
+    return lyrsDCTLifter_16s_Sfs(src, dst, s, scale);
+}
+Status transform(const Elem32s* src, Elem16s* dst, DCTLifterState_16s* s, Elem32s scale)
+{
+    return lyrsDCTLifter_32s16s_Sfs(src, dst, s, scale);
+}
+
+// The scratch holds the cepstra in single precision; the outputs are those, scaled, rounded and limited.
+template <class S>
+void compareFixed(S low, S high)
+{
+    Random random(52);
+    for (const auto& form : fixed) {
+        for (Elem32s lenDCT = 1; lenDCT <= 40; ++lenDCT) {
+            const Elem32s lenCepstrum = std::min(lenDCT, 1 + lenDCT % 14);
+            SCOPED_TRACE(std::string(form.name) + ' ' + std::to_string(lenDCT) + ' ' + std::to_string(lenCepstrum));
+            const Arguments a = arguments(lenDCT, lenCepstrum);
+            DCTLifterState_16s* state = nullptr;
+            ASSERT_EQ(form.initAlloc(&state, a), StsNoErr);
+            const auto n = static_cast<std::size_t>(lenDCT);
+            const auto outputs = static_cast<std::size_t>(lenCepstrum) + (form.hasC0 ? 1 : 0);
+            const auto x = random.vector<S>(n, low, high);
+            std::vector<float> cepstra;
+            for (const Elem32s scale : {0, 1, 5, 12, -3, 40, -40}) {
+                for (const std::size_t offset : {std::size_t{0}, sizeof(S), Guarded<S>::flush(n)}) {
+                    const Guarded<S> src(x, offset);
+                    const Guarded<Elem16s> dst(outputs, Guarded<Elem16s>::flush(outputs));
+                    ASSERT_EQ(transform(src.data(), dst.data(), state, scale), StsNoErr);
+                    EXPECT_TRUE(dst.intact());
+                    expectCepstra(state->pTmp, x, form.weights(a), form.hasC0);
+                    // The scale acts in the conversion only.
+                    const std::vector<float> now(state->pTmp, state->pTmp + outputs);
+                    ASSERT_TRUE(cepstra.empty() || now == cepstra);
+                    cepstra = now;
+                    for (std::size_t i = 0; i < outputs; ++i) {
+                        const double scaled = std::ldexp(static_cast<double>(now[i]), -scale);
+                        const double expected = std::clamp(std::nearbyint(scaled), -32768.0, 32767.0);
+                        ASSERT_EQ(dst[i], static_cast<Elem16s>(expected)) << "output " << i << " scale " << scale;
+                    }
+                }
+            }
+            EXPECT_EQ(lyrsDCTLifterFree_16s(state), StsNoErr);
+        }
+    }
+}
+
+TEST(DctLifter, TransformOf16Bits)
+{
+    compareFixed<Elem16s>(-32768, 32767);
+}
+TEST(DctLifter, TransformOf32Bits)
+{
+    compareFixed<Elem32s>(-100000, 100000);
+    compareFixed<Elem32s>(INT32_MIN, INT32_MAX);
+}
+
+// Ties of the last step go to the even number.
+TEST(DctLifter, CepstraAreRoundedToNearestEven)
+{
+    const std::vector<Elem32s> weights{0, 1};
+    DCTLifterState_16s* state = nullptr;
+    ASSERT_EQ(lyrsDCTLifterInitAlloc_MulC0_16s(&state, 2, weights.data(), 2), StsNoErr);
+    for (const auto& [sum, half] : {std::array{5, 2}, {7, 4}, {-5, -2}, {-7, -4}, {3, 2}, {1, 0}}) {
+        const Elem16s x[2] = {static_cast<Elem16s>(sum - 1), 1};
+        Elem16s y[3] = {};
+        ASSERT_EQ(lyrsDCTLifter_16s_Sfs(x, y, state, 1), StsNoErr);
+        EXPECT_EQ(y[2], half) << sum;
+    }
+    EXPECT_EQ(lyrsDCTLifterFree_16s(state), StsNoErr);
+}
+
+TEST(DctLifter, NullPointers)
+{
+    DCTLifterState_32f* s = nullptr;
+    DCTLifterState_16s* t = nullptr;
+    ASSERT_EQ(lyrsDCTLifterInitAlloc_32f(&s, 2, 2, 1, 1.0F), StsNoErr);
+    ASSERT_EQ(lyrsDCTLifterInitAlloc_16s(&t, 2, 2, 1, 1.0F), StsNoErr);
+    const float x[2] = {};
+    float y[2] = {};
+    const Elem32s xi[2] = {};
+    Elem16s yi[2] = {};
+    EXPECT_EQ(lyrsDCTLifter_32f(nullptr, y, s), StsNullPtr);
+    EXPECT_EQ(lyrsDCTLifter_32f(x, nullptr, s), StsNullPtr);
+    EXPECT_EQ(lyrsDCTLifter_32f(x, y, nullptr), StsNullPtr);
+    EXPECT_EQ(lyrsDCTLifter_16s_Sfs(nullptr, yi, t, 0), StsNullPtr);
+    EXPECT_EQ(lyrsDCTLifter_16s_Sfs(yi, nullptr, t, 0), StsNullPtr);
+    EXPECT_EQ(lyrsDCTLifter_16s_Sfs(yi, yi, nullptr, 0), StsNullPtr);
+    EXPECT_EQ(lyrsDCTLifter_32s16s_Sfs(nullptr, yi, t, 0), StsNullPtr);
+    EXPECT_EQ(lyrsDCTLifter_32s16s_Sfs(xi, nullptr, t, 0), StsNullPtr);
+    EXPECT_EQ(lyrsDCTLifter_32s16s_Sfs(xi, yi, nullptr, 0), StsNullPtr);
+    EXPECT_EQ(lyrsDCTLifterFree_32f(nullptr), StsNullPtr);
+    EXPECT_EQ(lyrsDCTLifterFree_16s(nullptr), StsNullPtr);
+    EXPECT_EQ(lyrsDCTLifterFree_32f(s), StsNoErr);
+    EXPECT_EQ(lyrsDCTLifterFree_16s(t), StsNoErr);
+}
+
+} // namespace
