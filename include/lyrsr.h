@@ -726,6 +726,233 @@ LYRSR_API Status lyrsLogGauss_IdVar_64f_D2L(const Elem64f* const* mPtr, const El
 
 /* ============================================= front end: filter banks ============================================ */
 
+/**
+ * @defgroup frontend_bank Mel filter banks
+ *
+ * From a spectrum to one energy for each of a row of overlapping triangular filters (Davis and Mermelstein, Comparison of Parametric
+ * Representations for Monosyllabic Word Recognition, IEEE Trans. ASSP 28(4), 1980). Filter i, counted from 1, rises from centre i - 1 to centre
+ * i and falls to centre i + 1; centres are numbers of bins of a transform of `fftLen` points:
+ *
+ *     pDst[i-1] = sum over k from centre(i-1) to centre(i) of left(i, k) * pSrc[k]
+ *               + sum over k from centre(i) + 1 to centre(i+1) of right(i, k) * pSrc[k]
+ *
+ * A bank is a record that is built once and then evaluated for each frame. Evaluation reads the record only, so that threads may share it;
+ * with #FBankFromFrames it also writes scratch that belongs to the record, and such a bank serves one thread at a time.
+ *
+ * The scale is mel(f) = melMul * ln(1 + f / melDiv), with the natural logarithm also for the customary factor of 2595.
+ *
+ * An `InitAlloc` form takes a bank from the library's allocator; release it with `lyrsFBankFree_*`. An `Init` form lays it into the caller's
+ * memory, whose size the matching `GetSize` form tells; the memory need be aligned no further than to 8 bytes (4 in the 32-bit build), and the
+ * bank ends with it: `lyrsFBankFree_*` is not for it. `Elem16s` input has weights with 14 fraction bits, the integer bank 30.
+ *
+ * If an allocation fails (#StsMemAlloc) on the way, what has been taken so far stays taken, and `*ppFBank` is the unfinished record if that
+ * could be had: set it to null before the call, and if it is not null afterwards release it with `lyrsFBankFree_*`, which takes unfinished
+ * records.
+ * @{
+ */
+
+/** A filter bank with weights in single precision. */
+typedef struct FBankState_32f FBankState_32f;
+/** A filter bank for 16-bit input. */
+typedef struct FBankState_16s FBankState_16s;
+/** A filter bank that is built in integers only. */
+typedef struct FBankState_32s FBankState_32s;
+
+/** Options of a filter bank: a shape, and #FBankFromFrames added to it if wanted. Anything else is #StsFBankFlag. */
+enum LyrsFBankFlag
+{
+    FBankMelShape = 1,  /**< centres truncated to whole bins; sides straight in mel */
+    FBankBinShape = 2,  /**< centres rounded to the nearest bin; sides straight in bins, above zero at both ends */
+    FBankFromFrames = 4 /**< evaluation takes a frame of `fftLen` samples and transforms it; else a spectrum of fftLen / 2 + 1 bins */
+};
+
+/**
+ * @name Conversion between scales
+ * `lyrsMelToLinear_32f`: pDst[i] = melDiv * (exp(pSrc[i] / melMul) - 1); `lyrsLinearToMel_32f`: pDst[i] = melMul * ln(1 + pSrc[i] / melDiv),
+ * each in double precision with the reciprocal of the divisor formed once. In place is possible.
+ * @return #StsNoErr, #StsNullPtr; #StsSize also for a `melMul` or `melDiv` that is not above 0
+ * @{
+ */
+LYRSR_API Status lyrsMelToLinear_32f(const Elem32f* pSrc, Elem32f* pDst, Elem32s len, Elem32f melMul, Elem32f melDiv);
+LYRSR_API Status lyrsLinearToMel_32f(const Elem32f* pSrc, Elem32f* pDst, Elem32s len, Elem32f melMul, Elem32f melDiv);
+/** @} */
+
+/**
+ * @name Mel bank
+ * `nFilter` filters between edges that are equally spaced in mel from `lowFreq` to `highFreq`.
+ * @param pSize     receives the number of bytes that the Init form needs
+ * @param pFBank    memory of that size
+ * @param ppFBank   receives the bank
+ * @param pFFTOrder receives log2 of the length that the bank uses
+ * @param fftLen    points of the transform, rounded up to a power of two, at least 2; 1 to 2^30
+ * @param sampFreq  sampling rate in hertz, above 0
+ * @param lowFreq   lower edge in hertz, above 0
+ * @param highFreq  upper edge in hertz, from `lowFreq` to half the rate
+ * @param nFilter   number of filters, at least 1
+ * @param melMul    factor of the mel scale
+ * @param melDiv    corner frequency of the mel scale
+ * @param flag      see #LyrsFBankFlag
+ * @return #StsNoErr; in this order: #StsNullPtr; #StsSize for `fftLen`, `nFilter`, `sampFreq` or `lowFreq`; #StsFBankFreq; #StsFBankFlag;
+ *         #StsMemAlloc (`InitAlloc`). A frequency that is not a number passes. A bank whose size 32 bits cannot tell is #StsSize in the
+ *         GetSize and Init forms and #StsMemAlloc in the `InitAlloc` forms.
+ * @{
+ */
+LYRSR_API Status lyrsMelFBankGetSize_32f(Elem32s fftLen, Elem32s nFilter, Elem32s flag, Elem32s* pSize);
+LYRSR_API Status lyrsMelFBankGetSize_16s(Elem32s fftLen, Elem32s nFilter, Elem32s flag, Elem32s* pSize);
+LYRSR_API Status lyrsMelFBankInit_32f(FBankState_32f* pFBank, Elem32s* pFFTOrder, Elem32s fftLen, Elem32f sampFreq,
+                                      Elem32f lowFreq, Elem32f highFreq, Elem32s nFilter, Elem32f melMul,
+                                      Elem32f melDiv, Elem32s flag);
+LYRSR_API Status lyrsMelFBankInit_16s(FBankState_16s* pFBank, Elem32s* pFFTOrder, Elem32s fftLen, Elem32f sampFreq,
+                                      Elem32f lowFreq, Elem32f highFreq, Elem32s nFilter, Elem32f melMul,
+                                      Elem32f melDiv, Elem32s flag);
+LYRSR_API Status lyrsMelFBankInitAlloc_32f(FBankState_32f** ppFBank, Elem32s* pFFTOrder, Elem32s fftLen,
+                                           Elem32f sampFreq, Elem32f lowFreq, Elem32f highFreq, Elem32s nFilter,
+                                           Elem32f melMul, Elem32f melDiv, Elem32s flag);
+LYRSR_API Status lyrsMelFBankInitAlloc_16s(FBankState_16s** ppFBank, Elem32s* pFFTOrder, Elem32s fftLen,
+                                           Elem32f sampFreq, Elem32f lowFreq, Elem32f highFreq, Elem32s nFilter,
+                                           Elem32f melMul, Elem32f melDiv, Elem32s flag);
+/** @} */
+
+/**
+ * @name Mel bank in integers
+ * The same bank with #FBankBinShape, built without floating point. Frequencies are whole hertz; `melMul` and `melDiv` have 15 fraction bits.
+ * Nothing ties `highFreq` to half the rate: filters beyond the spectrum are cut off there.
+ * @param fftLen   32 to 8192 points, rounded up to a power of two
+ * @param sampFreq sampling rate, 1 to 48000
+ * @param lowFreq  lower edge, at least 0
+ * @param highFreq upper edge, above `lowFreq` and at most 24000
+ * @param nFilter  at least 1, and at most half the rounded length (GetSize) or that and one (Init)
+ * @param melMul   0x80001 to 0x3FFFFFFF
+ * @param melDiv   0x80001 to 0xFFFFFFF
+ * @param flag     #FBankBinShape
+ * @return `lyrsMelFBankGetSize_32s`: #StsNoErr; #StsNullPtr; #StsSize; #StsFBankFlag; #StsSize for too many filters.
+ *         `lyrsMelFBankInit_32s`: #StsNoErr; #StsNullPtr; #StsSize for `nFilter`, `highFreq` below 1 or `fftLen`; #StsFBankFlag; #StsSize for
+ *         `sampFreq` or `lowFreq`; #StsFBankFreq; #StsBadArg for `melDiv`, then `melMul`; #StsSize for too many filters
+ * @{
+ */
+LYRSR_API Status lyrsMelFBankGetSize_32s(Elem32s fftLen, Elem32s nFilter, Elem32s flag, Elem32s* pSize);
+LYRSR_API Status lyrsMelFBankInit_32s(FBankState_32s* pFBank, Elem32s* pFFTOrder, Elem32s fftLen, Elem32s sampFreq,
+                                      Elem32s lowFreq, Elem32s highFreq, Elem32s nFilter, Elem32s melMul,
+                                      Elem32s melDiv, Elem32s flag);
+/** @} */
+
+/**
+ * @name Banks of the Aurora front end
+ * The two fixed banks of ETSI ES 202 050 for 8 kHz and 128 points: 25 filters over the band (`Low`), each with weights that add up to one and the
+ * first and last a half triangle, and 3 filters (`High`). Both take a spectrum of 65 bins.
+ * @return #StsNoErr, #StsNullPtr, #StsMemAlloc (`InitAlloc`)
+ * @{
+ */
+LYRSR_API Status lyrsMelFBankGetSizeLow_Aurora_32f(Elem32s* pSize);
+LYRSR_API Status lyrsMelFBankGetSizeLow_Aurora_16s(Elem32s* pSize);
+LYRSR_API Status lyrsMelFBankGetSizeHigh_Aurora_32f(Elem32s* pSize);
+LYRSR_API Status lyrsMelFBankGetSizeHigh_Aurora_16s(Elem32s* pSize);
+LYRSR_API Status lyrsMelFBankInitLow_Aurora_32f(FBankState_32f* pFBank);
+LYRSR_API Status lyrsMelFBankInitLow_Aurora_16s(FBankState_16s* pFBank);
+LYRSR_API Status lyrsMelFBankInitHigh_Aurora_32f(FBankState_32f* pFBank);
+LYRSR_API Status lyrsMelFBankInitHigh_Aurora_16s(FBankState_16s* pFBank);
+LYRSR_API Status lyrsMelFBankInitAllocLow_Aurora_32f(FBankState_32f** ppFBank);
+LYRSR_API Status lyrsMelFBankInitAllocLow_Aurora_16s(FBankState_16s** ppFBank);
+LYRSR_API Status lyrsMelFBankInitAllocHigh_Aurora_32f(FBankState_32f** ppFBank);
+LYRSR_API Status lyrsMelFBankInitAllocHigh_Aurora_16s(FBankState_16s** ppFBank);
+/** @} */
+
+/**
+ * @name Mel-linear bank
+ * `nLinear` filters between edges that are equally spaced in hertz from `lowFreq` to `highLinFreq`, and above them the others, equally spaced in mel
+ * up to `highFreq`. If all filters are linear, `highFreq` plays no part. With #FBankMelShape in a mixed bank the mel filters have sides that are
+ * straight in bins, and the right side of the last linear filter is usually zero.
+ * @param ppFBank     receives the bank; the pointers are not checked
+ * @param pFFTOrder   receives log2 of the length that the bank uses
+ * @param highLinFreq upper end of the linear part in hertz, from `lowFreq` to `highFreq`
+ * @param nLinear     number of linear filters, 1 to `nFilter`
+ * @return #StsNoErr; in this order: #StsSize, #StsFBankFreq, #StsFBankFlag, #StsMemAlloc
+ * @{
+ */
+LYRSR_API Status lyrsMelLinFBankInitAlloc_32f(FBankState_32f** ppFBank, Elem32s* pFFTOrder, Elem32s fftLen,
+                                              Elem32f sampFreq, Elem32f lowFreq, Elem32f highFreq, Elem32s nFilter,
+                                              Elem32f highLinFreq, Elem32s nLinear, Elem32f melMul, Elem32f melDiv,
+                                              Elem32s flag);
+LYRSR_API Status lyrsMelLinFBankInitAlloc_16s(FBankState_16s** ppFBank, Elem32s* pFFTOrder, Elem32s fftLen,
+                                              Elem32f sampFreq, Elem32f lowFreq, Elem32f highFreq, Elem32s nFilter,
+                                              Elem32f highLinFreq, Elem32s nLinear, Elem32f melMul, Elem32f melDiv,
+                                              Elem32s flag);
+/** @} */
+
+/**
+ * @name Empty bank
+ * A bank that the caller fills: `lyrsFBankSetCenters_*` makes it ready, with all weights zero, and `lyrsFBankSetCoeffs_*` fills it filter by filter.
+ * Evaluation takes a spectrum, whatever `flag` says; no value of `flag` is refused. The pointers are not checked.
+ * @return #StsNoErr; #StsSize for `fftLen` or `nFilter`; #StsMemAlloc
+ * @{
+ */
+LYRSR_API Status lyrsEmptyFBankInitAlloc_32f(FBankState_32f** ppFBank, Elem32s* pFFTOrder, Elem32s fftLen,
+                                             Elem32s nFilter, Elem32s flag);
+LYRSR_API Status lyrsEmptyFBankInitAlloc_16s(FBankState_16s** ppFBank, Elem32s* pFFTOrder, Elem32s fftLen,
+                                             Elem32s nFilter, Elem32s flag);
+/** @} */
+
+/**
+ * @name Evaluation
+ * @param pSrc        a spectrum of fftLen / 2 + 1 bins, or with #FBankFromFrames a frame of `fftLen` samples
+ * @param pDst        receives `nFilter` energies
+ * @param pFBank      the bank
+ * @param scaleFactor results are divided by 2^scaleFactor, toward minus infinity and saturating; `lyrsEvalFBank_32s_Sfs` rounds to the
+ *                    nearest and limits at the upper end only, as its input is magnitudes
+ *
+ * Sums of `lyrsEvalFBank_32f` run in any order. Integer sums are exact in 64 bits, but for two members: with #FBankFromFrames each product of
+ * `lyrsEvalFBank_16s_Sfs` wraps at 32 bits, and each product of `lyrsEvalFBank_32s_Sfs` loses its last 8 bits.
+ * @return #StsNoErr, #StsNullPtr; #StsFBankNotReady before an empty bank has its centres; `lyrsEvalFBank_32s_Sfs`: #StsBadArg for a
+ *         `scaleFactor` outside -31 to 31
+ * @{
+ */
+LYRSR_API Status lyrsEvalFBank_32f(const Elem32f* pSrc, Elem32f* pDst, const FBankState_32f* pFBank);
+LYRSR_API Status lyrsEvalFBank_16s_Sfs(const Elem16s* pSrc, Elem16s* pDst, const FBankState_16s* pFBank,
+                                       Elem32s scaleFactor);
+LYRSR_API Status lyrsEvalFBank_16s32s_Sfs(const Elem16s* pSrc, Elem32s* pDst, const FBankState_16s* pFBank,
+                                          Elem32s scaleFactor);
+LYRSR_API Status lyrsEvalFBank_32s_Sfs(const Elem32s* pSrc, Elem32s* pDst, const FBankState_32s* pFBank,
+                                       Elem32s scaleFactor);
+/** @} */
+
+/** @name Release of an allocated bank, finished or not
+ * @return #StsNoErr, #StsNullPtr
+ * @{ */
+LYRSR_API Status lyrsFBankFree_32f(FBankState_32f* pFBank);
+LYRSR_API Status lyrsFBankFree_16s(FBankState_16s* pFBank);
+/** @} */
+
+/**
+ * @name Centres and weights
+ * Centres are nFilter + 2 bin numbers. The weights of filter `fIdx`, counted from 1, are those of its left side, from one centre to the next with
+ * both ends, and then those of its right side, without its lower end. `_16s` forms convert between 14 fraction bits and singles, toward zero on the
+ * way in.
+ * @param fIdx 1 to `nFilter`; GetCoeffs takes `nFilter` + 1 too
+ * @return #StsNoErr, #StsNullPtr; #StsFBankNotReady if the bank has no centres yet, and for centres that are below 0, out of order or beyond
+ *         fftLen / 2, with nothing stored (the last two are not compared with each other); #StsSize for `fIdx`
+ * @{
+ */
+LYRSR_API Status lyrsFBankGetCenters_32f(const FBankState_32f* pFBank, Elem32s* pCenters);
+LYRSR_API Status lyrsFBankGetCenters_16s(const FBankState_16s* pFBank, Elem32s* pCenters);
+LYRSR_API Status lyrsFBankSetCenters_32f(FBankState_32f* pFBank, const Elem32s* pCenters);
+LYRSR_API Status lyrsFBankSetCenters_16s(FBankState_16s* pFBank, const Elem32s* pCenters);
+LYRSR_API Status lyrsFBankGetCoeffs_32f(const FBankState_32f* pFBank, Elem32s fIdx, Elem32f* pCoeffs);
+LYRSR_API Status lyrsFBankGetCoeffs_16s(const FBankState_16s* pFBank, Elem32s fIdx, Elem32f* pCoeffs);
+LYRSR_API Status lyrsFBankSetCoeffs_32f(FBankState_32f* pFBank, Elem32s fIdx, const Elem32f* pCoeffs);
+LYRSR_API Status lyrsFBankSetCoeffs_16s(FBankState_16s* pFBank, Elem32s fIdx, const Elem32f* pCoeffs);
+/** @} */
+
+/**
+ * @name Copy with padding
+ * Copies `lenSrc` elements and writes zeros behind them up to `lenDst`: a frame brought to the length of a transform.
+ * @return #StsNoErr, #StsNullPtr; #StsSize also for a `lenDst` below `lenSrc`
+ * @{
+ */
+LYRSR_API Status lyrsCopyWithPadding_32f(const Elem32f* pSrc, Elem32s lenSrc, Elem32f* pDst, Elem32s lenDst);
+LYRSR_API Status lyrsCopyWithPadding_16s(const Elem16s* pSrc, Elem32s lenSrc, Elem16s* pDst, Elem32s lenDst);
+/** @} */
+/** @} */
+
 /* ============================================= front end: DCT, lifter ============================================= */
 
 /**
