@@ -79,10 +79,16 @@ constexpr BankLength bankLength(Elem32s request)
     return length;
 }
 
-constexpr bool fromFrames(Elem32s flag) { return (flag & FBankFromFrames) != 0; }
+constexpr bool fromFrames(Elem32s flag)
+{
+    return (flag & FBankFromFrames) != 0;
+}
 
 // Centres are rounded to the nearest bin, and the sides are straight in bins and not in mel.
-constexpr bool isBinShaped(Elem32s flag) { return (flag & FBankBinShape) != 0; }
+constexpr bool isBinShaped(Elem32s flag)
+{
+    return (flag & FBankBinShape) != 0;
+}
 
 namespace check {
 
@@ -127,8 +133,8 @@ struct HighAuroraBank : AuroraBank
 
 // ------------------------------------------------------------------------------------------------------------ memory
 
-// Left rows are advanced by this many elements: element 1 of each then stands on a 16-byte boundary, where the bins that the left side of a
-// filter shares with the right side of the one before begin.
+// Left rows are advanced by this many elements: element 1 of each then stands on a 16-byte boundary, where the bins
+// that the left side of a filter shares with the right side of the one before begin.
 inline constexpr Elem32s leftRowAdvance = 3;
 
 // Work memory of a construction: two numbers for each edge.
@@ -142,12 +148,13 @@ struct EdgeScratch
 template <class State>
 Status placedBankSize(BankLength length, Elem32s nFilter, bool withTransform, Elem32s* size) noexcept;
 
-// Lays a bank and its scratch into a caller's buffer of that size. The record has its lengths, its memory, cleared rows and nothing else.
+// Lays a bank and its scratch into a caller's buffer of that size. The record has its lengths, its memory, cleared rows
+// and nothing else.
 template <class State>
 Status placeBank(State* bank, BankLength length, Elem32s nFilter, bool withTransform, EdgeScratch& scratch) noexcept;
 
-// The same from the allocator, without scratch. On failure what has been taken stays in *bank, if the record itself could be had, for the
-// caller to release.
+// The same from the allocator, without scratch. On failure what has been taken stays in *bank, if the record itself
+// could be had, for the caller to release.
 template <class State>
 Status allocateBank(State** bank, BankLength length, Elem32s nFilter, bool withTransform) noexcept;
 

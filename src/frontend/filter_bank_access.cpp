@@ -9,7 +9,8 @@
 namespace lyr {
 namespace {
 
-// Centres 0 to nFilter in order and those at the ends inside the spectrum. How the last two stand to each other is not looked at, on purpose.
+// Centres 0 to nFilter in order and those at the ends inside the spectrum. How the last two stand to each other is not
+// looked at, on purpose.
 bool areCentersLegal(const Elem32s* c, Elem32s nFilter, Elem32s fftLen) noexcept
 {
     if (c[0] < 0) {
@@ -43,15 +44,36 @@ Status setCenters(State* bank, const Elem32s* centers)
     return StsNoErr;
 }
 
+// Limited to 32 bits at both ends, then toward zero; NaN gives the lower limit.
+Elem32s truncateSaturating(Elem32f x) noexcept
+{
+    if (x >= 2147483648.0F) {
+        return INT32_MAX;
+    }
+    return x > -2147483648.0F ? static_cast<Elem32s>(x) : INT32_MIN;
+}
+
 constexpr Elem32f perOneQ14 = 1.0F / oneQ14;
 
-Elem32f toCoefficient(Elem32f weight) { return weight; }
-Elem32f toCoefficient(Elem32s weight) { return static_cast<Elem32f>(weight) * perOneQ14; }
-void setWeight(Elem32f& weight, Elem32f coefficient) { weight = coefficient; }
-void setWeight(Elem32s& weight, Elem32f coefficient) { weight = truncateSaturating(coefficient * Elem32f{oneQ14}); }
+Elem32f toCoefficient(Elem32f weight)
+{
+    return weight;
+}
+Elem32f toCoefficient(Elem32s weight)
+{
+    return static_cast<Elem32f>(weight) * perOneQ14;
+}
+void setWeight(Elem32f& weight, Elem32f coefficient)
+{
+    weight = coefficient;
+}
+void setWeight(Elem32s& weight, Elem32f coefficient)
+{
+    weight = truncateSaturating(coefficient * Elem32f{oneQ14});
+}
 
-// Calls visit(weight, number) for the left and then the right weights of a filter. Where centres reach beyond the spectrum the row does not
-// reach as far as the run: `visit` gets null there.
+// Calls visit(weight, number) for the left and then the right weights of a filter. Where centres reach beyond the
+// spectrum the row does not reach as far as the run: `visit` gets null there.
 template <class State, class Visit>
 void visitWeights(State& bank, Elem32s fIdx, Visit visit)
 {
@@ -97,10 +119,22 @@ Status setCoeffs(State* bank, Elem32s fIdx, const Elem32f* coeffs)
 } // namespace
 } // namespace lyr
 
-Status lyrsFBankGetCenters_32f(const FBankState_32f* pFBank, Elem32s* pCenters) { return lyr::getCenters(pFBank, pCenters); }
-Status lyrsFBankGetCenters_16s(const FBankState_16s* pFBank, Elem32s* pCenters) { return lyr::getCenters(pFBank, pCenters); }
-Status lyrsFBankSetCenters_32f(FBankState_32f* pFBank, const Elem32s* pCenters) { return lyr::setCenters(pFBank, pCenters); }
-Status lyrsFBankSetCenters_16s(FBankState_16s* pFBank, const Elem32s* pCenters) { return lyr::setCenters(pFBank, pCenters); }
+Status lyrsFBankGetCenters_32f(const FBankState_32f* pFBank, Elem32s* pCenters)
+{
+    return lyr::getCenters(pFBank, pCenters);
+}
+Status lyrsFBankGetCenters_16s(const FBankState_16s* pFBank, Elem32s* pCenters)
+{
+    return lyr::getCenters(pFBank, pCenters);
+}
+Status lyrsFBankSetCenters_32f(FBankState_32f* pFBank, const Elem32s* pCenters)
+{
+    return lyr::setCenters(pFBank, pCenters);
+}
+Status lyrsFBankSetCenters_16s(FBankState_16s* pFBank, const Elem32s* pCenters)
+{
+    return lyr::setCenters(pFBank, pCenters);
+}
 
 Status lyrsFBankGetCoeffs_32f(const FBankState_32f* pFBank, Elem32s fIdx, Elem32f* pCoeffs)
 {

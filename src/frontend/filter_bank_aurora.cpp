@@ -1,4 +1,5 @@
-// The two fixed banks of the Aurora front end (ETSI ES 202 050, 2007): 25 filters over the lower band, 3 over the band above it.
+// The two fixed banks of the Aurora front end (ETSI ES 202 050, 2007): 25 filters over the lower band, 3 over the band
+// above it.
 
 #include "frontend/filter_bank.hpp"
 #include "frontend/filter_bank_shape.hpp"
@@ -51,8 +52,9 @@ void layAuroraCenters(State& bank, const EdgeScratch& scratch, Fixed /*fixed*/, 
     setReady(bank);
 }
 
-// The first filter of the low band, a falling half triangle from bin 0. The sum that its weights are divided by holds the left and the right
-// run together, although only element 0 of the left run ever meets the spectrum: meant, and what recognisers were trained with.
+// The first filter of the low band, a falling half triangle from bin 0. The sum that its weights are divided by holds
+// the left and the right run together, although only element 0 of the left run ever meets the spectrum: meant, and what
+// recognisers were trained with.
 template <class State>
 void shapeFirstLowFilter(State& bank) noexcept
 {
@@ -108,7 +110,8 @@ template <class State>
 void buildLowBank(State& bank, const EdgeScratch& scratch) noexcept
 {
     bank.fftOrder = 0; // this form alone leaves the order unset
-    // 24 parts and not nFilter + 1, a constant of this bank: edge 24 falls on half the rate and edges 25 and 26 run past it.
+    // 24 parts and not nFilter + 1, a constant of this bank: edge 24 falls on half the rate and edges 25 and 26 run
+    // past it.
     layAuroraCenters(bank, scratch, LowAuroraBank{}, 24.0);
     shapeFirstLowFilter(bank);
     for (Elem32s i = 1; i <= bank.nFilter; ++i) {
@@ -177,10 +180,22 @@ Status allocateAuroraBank(State** bank)
 using lyr::HighAuroraBank;
 using lyr::LowAuroraBank;
 
-Status lyrsMelFBankInitLow_Aurora_32f(FBankState_32f* pFBank) { return lyr::placeAuroraBank<LowAuroraBank>(pFBank); }
-Status lyrsMelFBankInitLow_Aurora_16s(FBankState_16s* pFBank) { return lyr::placeAuroraBank<LowAuroraBank>(pFBank); }
-Status lyrsMelFBankInitHigh_Aurora_32f(FBankState_32f* pFBank) { return lyr::placeAuroraBank<HighAuroraBank>(pFBank); }
-Status lyrsMelFBankInitHigh_Aurora_16s(FBankState_16s* pFBank) { return lyr::placeAuroraBank<HighAuroraBank>(pFBank); }
+Status lyrsMelFBankInitLow_Aurora_32f(FBankState_32f* pFBank)
+{
+    return lyr::placeAuroraBank<LowAuroraBank>(pFBank);
+}
+Status lyrsMelFBankInitLow_Aurora_16s(FBankState_16s* pFBank)
+{
+    return lyr::placeAuroraBank<LowAuroraBank>(pFBank);
+}
+Status lyrsMelFBankInitHigh_Aurora_32f(FBankState_32f* pFBank)
+{
+    return lyr::placeAuroraBank<HighAuroraBank>(pFBank);
+}
+Status lyrsMelFBankInitHigh_Aurora_16s(FBankState_16s* pFBank)
+{
+    return lyr::placeAuroraBank<HighAuroraBank>(pFBank);
+}
 
 Status lyrsMelFBankInitAllocLow_Aurora_32f(FBankState_32f** ppFBank)
 {

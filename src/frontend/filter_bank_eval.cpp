@@ -6,6 +6,7 @@
 #include "frontend/filter_bank_eval_kernels.hpp"
 
 #include <algorithm>
+#include <type_traits>
 
 namespace {
 
@@ -47,7 +48,10 @@ Status transform(const FBankState_16s& bank, const Elem16s* frame)
 }
 
 // Counts beyond the width of a sum give what the width gives.
-Elem32s boundedShift(Elem64s shift) { return static_cast<Elem32s>(std::clamp<Elem64s>(shift, -64, 64)); }
+Elem32s boundedShift(Elem64s shift)
+{
+    return static_cast<Elem32s>(std::clamp<Elem64s>(shift, -64, 64));
+}
 
 template <class D>
 Status evaluate16s(const Elem16s* src, D* dst, const FBankState_16s* bank, Elem32s scaleFactor,

@@ -8,7 +8,8 @@ namespace {
 
 // ---------------------------------------------------------------------------------------------------------- products
 
-// Products of weights and bins, added to lane sums; and how the weights of either side, the lower centre's own aside, stand in memory.
+// Products of weights and bins, added to lane sums; and how the weights of either side, the lower centre's own aside,
+// stand in memory.
 struct Singles
 {
     using Sum = F32;
@@ -31,14 +32,20 @@ LYR_INLINE U64 multiplyEven(I32 a, I32 b)
 #endif
 }
 
-LYR_INLINE U64 multiplyOdd(I32 a, I32 b) { return multiplyEven(as<I32>(as<U64>(a) >> 32), as<I32>(as<U64>(b) >> 32)); }
+LYR_INLINE U64 multiplyOdd(I32 a, I32 b)
+{
+    return multiplyEven(as<I32>(as<U64>(a) >> 32), as<I32>(as<U64>(b) >> 32));
+}
 
 // Sums are modulo 2^64, as are differences, so that their order is free.
 struct WideProducts
 {
     using Sum = U64;
     using Rows = Aligned;
-    static LYR_INLINE U64 add(U64 sum, I32 weight, I32 x) { return sum + multiplyEven(weight, x) + multiplyOdd(weight, x); }
+    static LYR_INLINE U64 add(U64 sum, I32 weight, I32 x)
+    {
+        return sum + multiplyEven(weight, x) + multiplyOdd(weight, x);
+    }
 };
 
 struct WrappedProducts
@@ -82,12 +89,30 @@ LYR_INLINE Elem64s sumLanes(U64 v)
 
 // ------------------------------------------------------------------------------------------------------------ sweep
 
-LYR_INLINE F32 loadSource(const Elem32f* p) { return load<Unaligned>(p); }
-LYR_INLINE I32 loadSource(const Elem32s* p) { return load<Unaligned>(p); }
-LYR_INLINE I32 loadSource(const Elem16s* p) { return loadWide(p); }
-LYR_INLINE F32 loadSourceTail(const Elem32f* p, int n) { return loadTail<Unaligned>(p, n); }
-LYR_INLINE I32 loadSourceTail(const Elem32s* p, int n) { return loadTail<Unaligned>(p, n); }
-LYR_INLINE I32 loadSourceTail(const Elem16s* p, int n) { return loadWideTail(p, n); }
+LYR_INLINE F32 loadSource(const Elem32f* p)
+{
+    return load<Unaligned>(p);
+}
+LYR_INLINE I32 loadSource(const Elem32s* p)
+{
+    return load<Unaligned>(p);
+}
+LYR_INLINE I32 loadSource(const Elem16s* p)
+{
+    return loadWide(p);
+}
+LYR_INLINE F32 loadSourceTail(const Elem32f* p, int n)
+{
+    return loadTail<Unaligned>(p, n);
+}
+LYR_INLINE I32 loadSourceTail(const Elem32s* p, int n)
+{
+    return loadTail<Unaligned>(p, n);
+}
+LYR_INLINE I32 loadSourceTail(const Elem16s* p, int n)
+{
+    return loadWideTail(p, n);
+}
 
 template <class Sum>
 struct GapSums
@@ -96,8 +121,8 @@ struct GapSums
     Sum right;
 };
 
-// The bins above centre g up to the next centre, as far as there are any: the left side of one filter and the right side of the one before lie
-// on the same bins, so that each vector of bins is loaded once for two.
+// The bins above centre g up to the next centre, as far as there are any: the left side of one filter and the right
+// side of the one before lie on the same bins, so that each vector of bins is loaded once for two.
 template <class A, class Product, class Weight, class S>
 LYR_INLINE void addBins(GapSums<typename Product::Sum>& sums, const Weight* left, const Weight* right, const S* src,
                         std::ptrdiff_t count)
@@ -129,7 +154,8 @@ LYR_INLINE GapSums<typename Product::Sum> sumGap(const BankView<Weight>& bank, E
     GapSums<Sum> sums{};
     if (lower >= 0 && upper >= lower && upper <= bank.top) [[likely]] {
         sums.left = Product::add(Sum{}, V{left[0]}, V{static_cast<Weight>(src[lower])});
-        addBins<typename Product::Rows, Product>(sums, left + 1, right, src + lower + 1, static_cast<std::ptrdiff_t>(upper - lower));
+        addBins<typename Product::Rows, Product>(sums, left + 1, right, src + lower + 1,
+                                                 static_cast<std::ptrdiff_t>(upper - lower));
         return sums;
     }
     // A centre outside the spectrum, or below its neighbour: what lies inside counts, as far as the rows go.
@@ -177,8 +203,14 @@ LYR_INLINE Elem64s scale(Elem64s sum, Elem32s shift)
                      : shiftLeftSaturating(sum, static_cast<std::uint32_t>(-shift));
 }
 
-LYR_INLINE void finish(Elem16s& dst, Elem64s sum, Elem32s shift) { dst = saturate16(scale(sum, shift)); }
-LYR_INLINE void finish(Elem32s& dst, Elem64s sum, Elem32s shift) { dst = saturate32(scale(sum, shift)); }
+LYR_INLINE void finish(Elem16s& dst, Elem64s sum, Elem32s shift)
+{
+    dst = saturate16(scale(sum, shift));
+}
+LYR_INLINE void finish(Elem32s& dst, Elem64s sum, Elem32s shift)
+{
+    dst = saturate32(scale(sum, shift));
+}
 
 // Of sums with 22 fraction bits left: to nearest with ties up, limited above and not below, as magnitudes come in.
 LYR_INLINE void finishMagnitude(Elem32s& dst, Elem64s sum, Elem32s shift)

@@ -6,7 +6,8 @@
 
 namespace lyr {
 
-// What an evaluation reads of a bank. A left row has weights for its lower centre and for `top` bins above it, a right row for `top` bins.
+// What an evaluation reads of a bank. A left row has weights for its lower centre and for `top` bins above it, a right
+// row for `top` bins.
 template <class Weight>
 struct BankView
 {

@@ -1,7 +1,8 @@
-// Logarithm and exponential in 64-bit integers, digit by digit (cf. Muller, Elementary Functions, 2006, chapters 5 and 6): a bank that is
-// built from them is the same on every processor.
+// Logarithm and exponential in 64-bit integers, digit by digit (cf. Muller, Elementary Functions, 2006, chapters 5 and
+// 6): a bank that is built from them is the same on every processor.
 //
-// Numbers have 22 fraction bits (Q22) unless the name says otherwise. Sums and products wrap at 64 bits, which no sensible band comes near.
+// Numbers have 22 fraction bits (Q22) unless the name says otherwise. Sums and products wrap at 64 bits, which no
+// sensible band comes near.
 #pragma once
 
 #include "frame/fixed_point.hpp"
@@ -45,7 +46,8 @@ inline constexpr Elem32s lnOneMinus[stepCount] = {
     -16384,      -8192,      -4096,      -2048,      -1024,     -512,      -256,      -128,
     -64,         -32,        -16,        -8,         -4,        -2,        -1,        -1};
 
-// ln(v), v above 0. The mantissa is squared 31 times; each time it reaches 2 gives a binary digit of the base-2 logarithm.
+// ln(v), v above 0. The mantissa is squared 31 times; each time it reaches 2 gives a binary digit of the base-2
+// logarithm.
 constexpr Elem64s ln(Elem64s v)
 {
     constexpr int mantissaBits = 29;
@@ -63,8 +65,8 @@ constexpr Elem64s ln(Elem64s v)
     return ((exponent - fractionBits) * ln2Q31 + (fraction * ln2Q31 >> 31)) >> 9;
 }
 
-// exp(q); what reaches 2^31 becomes 0x7FFFFFFF. The fraction of the base-2 exponent, back in natural units, is taken apart into logarithms of
-// factors that cost one shift and one addition each.
+// exp(q); what reaches 2^31 becomes 0x7FFFFFFF. The fraction of the base-2 exponent, back in natural units, is taken
+// apart into logarithms of factors that cost one shift and one addition each.
 constexpr Elem64s exp(Elem64s q)
 {
     const Elem64s t = wrappingProduct(q, log2eQ31) >> fractionBits;

@@ -1,4 +1,5 @@
-// The mel bank built in integers only, for processors without floating point and for results that do not depend on the processor.
+// The mel bank built in integers only, for processors without floating point and for results that do not depend on the
+// processor.
 
 #include "frontend/filter_bank.hpp"
 #include "frontend/filter_bank_fixed_math.hpp"
@@ -18,11 +19,20 @@ constexpr Elem32s largestMelDiv = 0xFFFFFFF;
 constexpr Elem32s largestMelMul = 0x3FFFFFFF;
 constexpr int weightBits = 30;
 
-constexpr bool within(Elem32s x, Elem32s least, Elem32s most) { return x >= least && x <= most; }
+constexpr bool within(Elem32s x, Elem32s least, Elem32s most)
+{
+    return x >= least && x <= most;
+}
 
 // A row has one bin more than half the transform, and the padding makes that 32 bytes more than half the transform.
-constexpr Elem32s binCount(BankLength length) { return length.points / 2 + 1; }
-constexpr Elem64s centerBytes(Elem32s nFilter) { return (Elem64s{nFilter} + 3) * Elem64s{sizeof(Elem32s)}; }
+constexpr Elem32s binCount(BankLength length)
+{
+    return length.points / 2 + 1;
+}
+constexpr Elem64s centerBytes(Elem32s nFilter)
+{
+    return (Elem64s{nFilter} + 3) * Elem64s{sizeof(Elem32s)};
+}
 
 std::byte* take(std::byte*& next, Elem64s bytes) noexcept
 {
@@ -82,7 +92,8 @@ void layIntegerCenters(FBankState_32s& bank, BankLength length, const IntegerBan
     bank.pCenters[bank.nFilter + 2] = bank.pCenters[bank.nFilter + 1];
 }
 
-// Nothing ties the band to half the rate, so a centre may lie beyond the spectrum and a run beyond its row: it ends where the row does.
+// Nothing ties the band to half the rate, so a centre may lie beyond the spectrum and a run beyond its row: it ends
+// where the row does.
 void shapeIntegerFilter(FBankState_32s& bank, Elem32s i) noexcept
 {
     const Elem64s below = Elem64s{bank.pCenters[i]} - bank.pCenters[i - 1];
@@ -113,8 +124,9 @@ Status lyrsMelFBankGetSize_32s(Elem32s fftLen, Elem32s nFilter, Elem32s flag, El
     return StsNoErr;
 }
 
-Status lyrsMelFBankInit_32s(FBankState_32s* pFBank, Elem32s* pFFTOrder, Elem32s fftLen, Elem32s sampFreq, Elem32s lowFreq,
-                            Elem32s highFreq, Elem32s nFilter, Elem32s melMul, Elem32s melDiv, Elem32s flag)
+Status lyrsMelFBankInit_32s(FBankState_32s* pFBank, Elem32s* pFFTOrder, Elem32s fftLen, Elem32s sampFreq,
+                            Elem32s lowFreq, Elem32s highFreq, Elem32s nFilter, Elem32s melMul, Elem32s melDiv,
+                            Elem32s flag)
 {
     using namespace lyr;
     LYR_CHECK(pointers(pFBank, pFFTOrder), sizes(nFilter, highFreq),

@@ -60,7 +60,8 @@ void buildMelBank(State& bank, const EdgeScratch& scratch, const MelBand& band, 
 }
 
 template <class Pointer>
-Status checkMelBank(Pointer* bank, const Elem32s* order, Elem32s fftLen, const MelBand& band, Elem32s nFilter, Elem32s flag)
+Status checkMelBank(Pointer* bank, const Elem32s* order, Elem32s fftLen, const MelBand& band, Elem32s nFilter,
+                    Elem32s flag)
 {
     // Written so that a frequency that is no number passes, as meant.
     const bool noRate = band.sampFreq <= 0.0F || band.lowFreq <= 0.0F;
@@ -83,8 +84,8 @@ Status placeMelBank(State* bank, Elem32s* order, Elem32s fftLen, const MelBand& 
 }
 
 template <class State>
-Status allocateMelBank(State** bank, Elem32s* order, Elem32s fftLen, const MelBand& band, Elem32s nFilter, Elem32f melMul,
-                       Elem32f melDiv, Elem32s flag)
+Status allocateMelBank(State** bank, Elem32s* order, Elem32s fftLen, const MelBand& band, Elem32s nFilter,
+                       Elem32f melMul, Elem32f melDiv, Elem32s flag)
 {
     LYR_CHECK(checkMelBank(bank, order, fftLen, band, nFilter, flag));
     LYR_CHECK(allocateBank(bank, bankLength(fftLen), nFilter, fromFrames(flag)));

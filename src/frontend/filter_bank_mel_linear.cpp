@@ -1,5 +1,5 @@
-// The bank whose lower filters lie on a linear scale and whose upper ones lie on the mel scale; and the empty bank, whose filters its caller
-// brings.
+// The bank whose lower filters lie on a linear scale and whose upper ones lie on the mel scale; and the empty bank,
+// whose filters its caller brings.
 
 #include "frontend/filter_bank.hpp"
 #include "frontend/filter_bank_shape.hpp"
@@ -55,8 +55,8 @@ void shapeRightByMel(State& bank, LinearEdges edges, BinScale bins, Elem32s i) n
     }
 }
 
-// The right side of the last linear filter of a mixed bank: a bin number less a mel value, over a width in bins. Meant as it stands, although
-// it usually gives zeros: banks are compared weight by weight.
+// The right side of the last linear filter of a mixed bank: a bin number less a mel value, over a width in bins. Meant
+// as it stands, although it usually gives zeros: banks are compared weight by weight.
 template <class State>
 void shapeSeam(State& bank, BinScale bins, Elem32s i) noexcept
 {
@@ -69,7 +69,8 @@ void shapeSeam(State& bank, BinScale bins, Elem32s i) noexcept
 }
 
 template <class State>
-void layLinearEdges(State& bank, const EdgeScratch& scratch, const LinearBand& band, Elem32s last, Elem32s parts) noexcept
+void layLinearEdges(State& bank, const EdgeScratch& scratch, const LinearBand& band, Elem32s last,
+                    Elem32s parts) noexcept
 {
     const Elem64f range = Elem64f{band.highLinFreq} - band.lowFreq;
     const Elem64f binsPerHertz = Elem64f(bank.fftLen) / band.sampFreq;
@@ -81,7 +82,8 @@ void layLinearEdges(State& bank, const EdgeScratch& scratch, const LinearBand& b
     convertCenters(bank, scratch.bins, 0, last + 1);
 }
 
-// The edges from nLinear on, equally spaced in mel from the highest linear frequency. The first replaces the last of the linear ones.
+// The edges from nLinear on, equally spaced in mel from the highest linear frequency. The first replaces the last of
+// the linear ones.
 template <class State>
 void layMelEdges(State& bank, const EdgeScratch& scratch, const LinearBand& band, MelScale scale) noexcept
 {
@@ -136,8 +138,8 @@ Status allocateMelLinearBank(State** bank, Elem32s* order, Elem32s fftLen, const
 {
     // Written so that a frequency that is no number passes, as meant.
     const bool noRate = band.sampFreq <= 0.0F || band.lowFreq <= 0.0F;
-    const bool outOfOrder = band.highLinFreq < band.lowFreq || band.highFreq < band.highLinFreq ||
-                            band.highFreq > band.sampFreq * 0.5;
+    const bool outOfOrder =
+        band.highLinFreq < band.lowFreq || band.highFreq < band.highLinFreq || band.highFreq > band.sampFreq * 0.5;
     LYR_CHECK(bankLengths(fftLen, nFilter), sizes(band.nLinear), require(!noRate && band.nLinear <= nFilter, StsSize),
               require(!outOfOrder, StsFBankFreq), bankFlag(flag));
     LYR_CHECK(allocateBank(bank, bankLength(fftLen), nFilter, fromFrames(flag)));
@@ -148,8 +150,8 @@ Status allocateMelLinearBank(State** bank, Elem32s* order, Elem32s fftLen, const
     return StsNoErr;
 }
 
-// The stored option is FBankMelShape whatever was asked for, so that an evaluation takes a spectrum. With FBankFromFrames there is a transform
-// all the same, and nothing ever uses it: meant so.
+// The stored option is FBankMelShape whatever was asked for, so that an evaluation takes a spectrum. With
+// FBankFromFrames there is a transform all the same, and nothing ever uses it: meant so.
 template <class State>
 Status allocateEmptyBank(State** bank, Elem32s* order, Elem32s fftLen, Elem32s nFilter, Elem32s flag)
 {

@@ -44,13 +44,31 @@ struct Kind<FBankState_16s>
 };
 
 // Rows and columns of the tables.
-constexpr Elem32s tableRows(Elem32s nFilter) { return nFilter + 2; }
-constexpr Elem32s leftColumns(Elem32s points) { return points / 2 + leftRowAdvance; }
-constexpr Elem32s rightColumns(Elem32s points) { return points / 2; }
+constexpr Elem32s tableRows(Elem32s nFilter)
+{
+    return nFilter + 2;
+}
+constexpr Elem32s leftColumns(Elem32s points)
+{
+    return points / 2 + leftRowAdvance;
+}
+constexpr Elem32s rightColumns(Elem32s points)
+{
+    return points / 2;
+}
 
-constexpr Elem64s centerBytes(Elem32s nFilter) { return (Elem64s{nFilter} + 3) * Elem64s{sizeof(Elem32s)}; }
-constexpr Elem64s edgeBytes(Elem32s nFilter) { return (Elem64s{nFilter} + 2) * Elem64s{sizeof(Elem32f)}; }
-constexpr Elem64s workBytes(Elem32s points) { return (Elem64s{points} + 2) * Elem64s{sizeof(Elem32f)}; }
+constexpr Elem64s centerBytes(Elem32s nFilter)
+{
+    return (Elem64s{nFilter} + 3) * Elem64s{sizeof(Elem32s)};
+}
+constexpr Elem64s edgeBytes(Elem32s nFilter)
+{
+    return (Elem64s{nFilter} + 2) * Elem64s{sizeof(Elem32f)};
+}
+constexpr Elem64s workBytes(Elem32s points)
+{
+    return (Elem64s{points} + 2) * Elem64s{sizeof(Elem32f)};
+}
 
 // The bytes of the blocks that follow a placed record, in their order.
 struct BlockSizes
@@ -121,8 +139,8 @@ void setLengths(State& bank, BankLength length, Elem32s nFilter) noexcept
     Kind<State>::setScale(bank);
 }
 
-// Advances the left rows and clears what a filter can come to lie on: its left run has an element for the lower centre itself, so that a left
-// row is one element longer than half the transform.
+// Advances the left rows and clears what a filter can come to lie on: its left run has an element for the lower centre
+// itself, so that a left row is one element longer than half the transform.
 template <class State>
 void prepareRows(State& bank) noexcept
 {
@@ -157,8 +175,8 @@ Status allocateTransform(State& bank) noexcept
     return bank.pWork == nullptr ? StsMemAlloc : StsNoErr;
 }
 
-// Fields are cleared as they are released, so that every part is released once, whatever the record holds. A bank that was placed in a
-// caller's buffer is not for this.
+// Fields are cleared as they are released, so that every part is released once, whatever the record holds. A bank that
+// was placed in a caller's buffer is not for this.
 template <class State>
 Status freeBank(State* bank) noexcept
 {
@@ -225,7 +243,8 @@ Status placeBank(State* bank, BankLength length, Elem32s nFilter, bool withTrans
         auto* const init = blocks.take<Elem8u>(sizes.transformInit);
         bank->pFFTBuffer = blocks.take<Elem8u>(sizes.transformBuffer);
         bank->pWork = blocks.take<Weight>(sizes.work);
-        LYR_CHECK(Kind<State>::initTransform(&bank->pFFTSpec, length.order, transformFlag, transformHint, memory, init));
+        LYR_CHECK(
+            Kind<State>::initTransform(&bank->pFFTSpec, length.order, transformFlag, transformHint, memory, init));
     }
     return StsNoErr;
 }
@@ -310,5 +329,11 @@ Status lyrsMelFBankGetSizeHigh_Aurora_16s(Elem32s* pSize)
 
 // ----------------------------------------------------------------------------------------------------------- release
 
-Status lyrsFBankFree_32f(FBankState_32f* pFBank) { return lyr::freeBank(pFBank); }
-Status lyrsFBankFree_16s(FBankState_16s* pFBank) { return lyr::freeBank(pFBank); }
+Status lyrsFBankFree_32f(FBankState_32f* pFBank)
+{
+    return lyr::freeBank(pFBank);
+}
+Status lyrsFBankFree_16s(FBankState_16s* pFBank)
+{
+    return lyr::freeBank(pFBank);
+}

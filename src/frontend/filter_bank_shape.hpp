@@ -1,7 +1,7 @@
 // The mel scale, and the sides of a triangle: what the constructions of filter banks share.
 //
-// Between two roundings to single precision that are part of the result the arithmetic is in double. Weights are singles, or integers with 14
-// fraction bits that come from the same quotients by truncation.
+// Between two roundings to single precision that are part of the result the arithmetic is in double. Weights are
+// singles, or integers with 14 fraction bits that come from the same quotients by truncation.
 #pragma once
 
 #include "frontend/filter_bank.hpp"
@@ -12,7 +12,8 @@
 
 namespace lyr {
 
-// mel(f) = mul * ln(1 + f / div), with the natural logarithm whatever the factor (Davis and Mermelstein, IEEE Trans. ASSP 28(4), 1980).
+// mel(f) = mul * ln(1 + f / div), with the natural logarithm whatever the factor (Davis and Mermelstein, IEEE Trans.
+// ASSP 28(4), 1980).
 class MelScale
 {
 public:
@@ -34,13 +35,11 @@ private:
     Elem64f div;
 };
 
-// Toward zero; what 32 bits do not hold is limited, and NaN gives the lower limit.
-inline Elem32s truncateSaturating(Elem32f x) noexcept
+// Toward zero. What 32 bits do not hold gives the lower limit, as the processor's own conversion does: the quotients of
+// a filter without width, which a bank that allows no negative weight then turns into zero.
+inline Elem32s truncateWeight(Elem32f x) noexcept
 {
-    if (x >= 2147483648.0F) {
-        return INT32_MAX;
-    }
-    return x > -2147483648.0F ? static_cast<Elem32s>(x) : INT32_MIN;
+    return x > -2147483648.0F && x < 2147483648.0F ? static_cast<Elem32s>(x) : INT32_MIN;
 }
 
 template <class State>
@@ -55,7 +54,7 @@ Weight melWeight(Elem64f part, Elem64f whole) noexcept
     if constexpr (std::is_same_v<Weight, Elem32f>) {
         return static_cast<Elem32f>(part / whole);
     } else {
-        return truncateSaturating(static_cast<Elem32f>(part * Elem64f{oneQ14} / whole));
+        return truncateWeight(static_cast<Elem32f>(part * Elem64f{oneQ14} / whole));
     }
 }
 
@@ -76,8 +75,8 @@ Weight atLeastZero(Weight w) noexcept
     return w < 0 ? Weight{0} : w;
 }
 
-// Bins above centre `lower` up to the next centre, below 0 where that is the lower one. Centres beyond the spectrum are possible (a rate that
-// is no number, a centre that a caller set): a run ends where the row does.
+// Bins above centre `lower` up to the next centre, below 0 where that is the lower one. Centres beyond the spectrum are
+// possible (a rate that is no number, a centre that a caller set): a run ends where the row does.
 template <class State>
 Elem64s runLength(const State& bank, Elem32s lower) noexcept
 {
@@ -106,7 +105,8 @@ void convertCenters(State& bank, const Elem32f* bins, Elem32s first, Elem32s cou
     static_cast<void>(lyrsConvert_32f32s_Sfs(bins, bank.pCenters + first, count, isBinShaped(bank.flag) ? 1 : 0, 0));
 }
 
-// The centres stand: an evaluation may follow. The spare entry makes the right side of an imagined filter nFilter + 1 empty.
+// The centres stand: an evaluation may follow. The spare entry makes the right side of an imagined filter nFilter + 1
+// empty.
 template <class State>
 void setReady(State& bank) noexcept
 {
