@@ -102,7 +102,7 @@ TEST(VectorFill, Copy)
 TEST(VectorFill, MoveUpAndDownOverItself)
 {
     for (const std::size_t len : vectorLengths()) {
-        for (const std::size_t shift : {0, 1, 3, 4, 16, 40}) {
+        for (const std::size_t shift : {0U, 1U, 3U, 4U, 16U, 40U}) {
             std::vector<float> x(len + shift);
             std::iota(x.begin(), x.end(), 1.0F);
             std::vector<float> up(x);

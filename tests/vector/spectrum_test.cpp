@@ -26,7 +26,7 @@ TEST(VectorSpectrum, Magnitude)
     Random random(5);
     for (const std::size_t len : lyr::test::vectorLengths()) {
         const auto parts = numbers(random, 2 * len);
-        for (const std::size_t offset : {0, 4, 8, 12}) {
+        for (const std::size_t offset : {0U, 4U, 8U, 12U}) {
             for (const std::size_t dstOffset : {std::size_t{0}, std::size_t{4}, Guarded<float>::flush(len)}) {
                 const Guarded<float> src(parts, offset == 12 ? Guarded<float>::flush(2 * len) : offset);
                 const Guarded<float> dst(len, dstOffset);
