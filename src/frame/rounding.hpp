@@ -25,19 +25,28 @@ class EnvironmentScope
 public:
     LYR_INLINE explicit EnvironmentScope(unsigned rounding) noexcept : saved(_mm_getcsr())
     {
-        _mm_setcsr((saved & ~roundingBits) | exceptionMasks | rounding);
+        change(saved, (saved & ~roundingBits) | exceptionMasks | rounding);
     }
     // Keeps the caller's rounding mode.
-    LYR_INLINE EnvironmentScope() noexcept : saved(_mm_getcsr()) { _mm_setcsr(saved | exceptionMasks); }
+    LYR_INLINE EnvironmentScope() noexcept : saved(_mm_getcsr()) { change(saved, saved | exceptionMasks); }
     LYR_INLINE ~EnvironmentScope()
     {
         constexpr unsigned restored = (0xFFFFU & ~exceptionFlags) | KeptFlags;
-        _mm_setcsr((saved & restored) | (_mm_getcsr() & ~restored));
+        const unsigned now = _mm_getcsr();
+        change(now, (saved & restored) | (now & ~restored));
     }
     EnvironmentScope(const EnvironmentScope&) = delete;
     EnvironmentScope& operator=(const EnvironmentScope&) = delete;
 
 private:
+    // A write waits for the arithmetic before it and holds up what follows; most often there is nothing to write.
+    static LYR_INLINE void change(unsigned from, unsigned to) noexcept
+    {
+        if (from != to) {
+            _mm_setcsr(to);
+        }
+    }
+
     unsigned saved;
 };
 
