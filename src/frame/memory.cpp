@@ -7,22 +7,11 @@ namespace {
 
 constexpr std::size_t word = sizeof(void*);
 
+// The size is computed in the address width and not tested for overflow.
 template <class T>
 T* allocate(Elem32s len) noexcept
 {
-    if (len < 1) {
-        return nullptr;
-    }
-    void* const raw = std::malloc(static_cast<std::size_t>(len) * sizeof(T) + blockAlignment + word);
-    if (raw == nullptr) {
-        return nullptr;
-    }
-    // The first multiple of 32 with room for one word in front of it: the raw pointer, for lyrsFree.
-    auto address = reinterpret_cast<std::uintptr_t>(raw) + word + blockAlignment - 1;
-    address -= address % blockAlignment;
-    reinterpret_cast<void**>(address)[-1] = raw;
-    __builtin_prefetch(reinterpret_cast<const void*>(address + 128), 1);
-    return reinterpret_cast<T*>(address);
+    return len < 1 ? nullptr : static_cast<T*>(allocateBlock(static_cast<std::size_t>(len) * sizeof(T)));
 }
 
 // Row tables hold elements of four bytes only, whatever their type.
@@ -116,6 +105,20 @@ BlockMatrix<T>* allocateMatrix(const Elem32s* blockSizes, Elem32s numBlocks) noe
 }
 
 } // namespace
+
+void* allocateBlock(std::size_t bytes) noexcept
+{
+    void* const raw = std::malloc(bytes + blockAlignment + word);
+    if (raw == nullptr) {
+        return nullptr;
+    }
+    // The first multiple of 32 with room for one word in front of it: the raw pointer, for lyrsFree.
+    auto address = reinterpret_cast<std::uintptr_t>(raw) + word + blockAlignment - 1;
+    address -= address % blockAlignment;
+    reinterpret_cast<void**>(address)[-1] = raw;
+    __builtin_prefetch(reinterpret_cast<const void*>(address + 128), 1);
+    return reinterpret_cast<void*>(address);
+}
 
 Elem32f** Alloc2_32f(Elem32s rows, Elem32s cols) noexcept
 {

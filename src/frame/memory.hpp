@@ -23,15 +23,18 @@ T* alignUp(T* p, std::size_t unit = blockAlignment)
     return reinterpret_cast<T*>((reinterpret_cast<std::uintptr_t>(p) + unit - 1) / unit * unit);
 }
 
-// A block from lyrsMalloc_* that is released on every path out of a call.
+// `bytes` as lyrsMalloc_* give them, of a size that 32 bits need not hold; null if memory is exhausted.
+void* allocateBlock(std::size_t bytes) noexcept;
+
+// A block as from lyrsMalloc_* that is released on every path out of a call.
 template <class T>
 class WorkBuffer
 {
 public:
-    // `count` elements; null where that is below 1, leaves 32 bits, or memory is exhausted.
+    // `count` elements; null where that is below 1 or leaves 32 bits, or memory is exhausted.
     explicit WorkBuffer(Elem64s count) noexcept
-        : block(count > 0 && count <= INT32_MAX / static_cast<Elem64s>(sizeof(T))
-                    ? reinterpret_cast<T*>(lyrsMalloc_8u(static_cast<Elem32s>(count * static_cast<Elem64s>(sizeof(T)))))
+        : block(count > 0 && count <= INT32_MAX && static_cast<std::uint64_t>(count) <= most
+                    ? static_cast<T*>(allocateBlock(static_cast<std::size_t>(count) * sizeof(T)))
                     : nullptr)
     {}
     ~WorkBuffer() { lyrsFree(block); }
@@ -42,6 +45,9 @@ public:
     explicit operator bool() const noexcept { return block != nullptr; }
 
 private:
+    // Beyond this the size and what the allocator adds to it would wrap.
+    static constexpr std::size_t most = (SIZE_MAX - 2 * blockAlignment) / sizeof(T);
+
     T* block;
 };
 

@@ -22,7 +22,6 @@ using lyr::oracle::Weight;
 using lyr::test::Guarded;
 using lyr::test::Random;
 
-constexpr float inf32 = std::numeric_limits<float>::infinity();
 constexpr double inf64 = std::numeric_limits<double>::infinity();
 
 // A score is within this of the exact one: `len` + 4 roundings, each at most half a unit of the sum of the magnitudes
@@ -32,6 +31,28 @@ long double errorBound(std::size_t len, long double magnitude, T gconst)
 {
     const auto unit = static_cast<long double>(std::numeric_limits<T>::epsilon()) / 2;
     return unit * (static_cast<long double>(len) + 4) * (magnitude / 2 + std::fabs(static_cast<long double>(gconst)));
+}
+
+// Where the vectors of a call begin, in bytes past a multiple of 64.
+struct Offsets
+{
+    std::size_t frame;
+    std::size_t mean;
+    std::size_t var;
+};
+
+// The frames at every offset within 16 bytes, each of the vectors off by an element alone, and all of them up against
+// the unmapped page.
+template <class S>
+std::vector<Offsets> places(std::size_t frameCount, std::size_t width)
+{
+    std::vector<Offsets> all{{0, sizeof(S), 0}, {0, 0, sizeof(S)}};
+    for (std::size_t offset = 0; offset < 16; offset += sizeof(S)) {
+        all.push_back({offset, 0, 0});
+    }
+    const std::size_t flush = Guarded<S>::flush(width);
+    all.push_back({Guarded<S>::flush(frameCount), flush, flush});
+    return all;
 }
 
 // ---------------------------------------------------------------------------------------------------------- one frame
@@ -74,76 +95,73 @@ void compareSingle(const SingleMember<S, T>& member)
             member.doubled ? lyr::oracle::doubledScore(gconst, d) : lyr::oracle::plainScore(gconst, d);
         const long double bound = errorBound<T>(len, d.magnitude, gconst);
 
-        for (std::size_t offset = 0; offset < 16; offset += sizeof(S)) {
-            for (const std::size_t varOffset : {offset, std::size_t{0}, Guarded<S>::flush(len)}) {
-                const Guarded<S> xs(x, offset);
-                const Guarded<S> ms(m, offset == 0 ? 0 : Guarded<S>::flush(len));
-                const Guarded<S> vs(v, varOffset);
-                T result = -1;
-                ASSERT_EQ(member(xs.data(), ms.data(), vs.data(), static_cast<Elem32s>(len), &result, gconst),
-                          StsNoErr);
-                ASSERT_NEAR(static_cast<double>(result), static_cast<double>(expected), static_cast<double>(bound))
-                    << "len " << len << " offset " << offset;
-            }
+        for (const Offsets& at : places<S>(len, len)) {
+            const Guarded<S> xs(x, at.frame);
+            const Guarded<S> ms(m, at.mean);
+            const Guarded<S> vs(v, at.var);
+            T result = -1;
+            ASSERT_EQ(member(xs.data(), ms.data(), vs.data(), static_cast<Elem32s>(len), &result, gconst), StsNoErr);
+            ASSERT_NEAR(static_cast<double>(result), static_cast<double>(expected), static_cast<double>(bound))
+                << "len " << len << " offsets " << at.frame << ' ' << at.mean << ' ' << at.var;
         }
     }
 }
 
-TEST(LogGaussSingle, Single)
+const SingleMember<float, float> singles[] = {
+    {"lyrsLogGaussSingle_32f", Weight::Inverse, lyrsLogGaussSingle_32f, nullptr, true},
+    {"lyrsLogGaussSingle_IdVar_32f", Weight::Unit, nullptr, lyrsLogGaussSingle_IdVar_32f, true},
+    {"lyrsLogGaussSingle_DirectVar_32f", Weight::Variance, lyrsLogGaussSingle_DirectVar_32f, nullptr, true}};
+const SingleMember<double, double> doubles[] = {
+    {"lyrsLogGaussSingle_64f", Weight::Inverse, lyrsLogGaussSingle_64f, nullptr, false},
+    {"lyrsLogGaussSingle_IdVar_64f", Weight::Unit, nullptr, lyrsLogGaussSingle_IdVar_64f, false},
+    {"lyrsLogGaussSingle_DirectVar_64f", Weight::Variance, lyrsLogGaussSingle_DirectVar_64f, nullptr, false}};
+const SingleMember<float, double> widened[] = {
+    {"lyrsLogGaussSingle_32f64f", Weight::Inverse, lyrsLogGaussSingle_32f64f, nullptr, false},
+    {"lyrsLogGaussSingle_IdVar_32f64f", Weight::Unit, nullptr, lyrsLogGaussSingle_IdVar_32f64f, false},
+    {"lyrsLogGaussSingle_DirectVar_32f64f", Weight::Variance, lyrsLogGaussSingle_DirectVar_32f64f, nullptr, false}};
+
+template <class Check>
+void forEachSingleMember(Check check)
 {
-    compareSingle<float, float>({"lyrsLogGaussSingle_32f", Weight::Inverse, lyrsLogGaussSingle_32f, nullptr, true});
-    compareSingle<float, float>(
-        {"lyrsLogGaussSingle_IdVar_32f", Weight::Unit, nullptr, lyrsLogGaussSingle_IdVar_32f, true});
-    compareSingle<float, float>(
-        {"lyrsLogGaussSingle_DirectVar_32f", Weight::Variance, lyrsLogGaussSingle_DirectVar_32f, nullptr, true});
+    for (std::size_t i = 0; i < 3; ++i) {
+        check(singles[i]);
+        check(doubles[i]);
+        check(widened[i]);
+    }
 }
 
-TEST(LogGaussSingle, Double)
+TEST(LogGaussSingle, EveryLengthAndAlignment)
 {
-    compareSingle<double, double>({"lyrsLogGaussSingle_64f", Weight::Inverse, lyrsLogGaussSingle_64f, nullptr, false});
-    compareSingle<double, double>(
-        {"lyrsLogGaussSingle_IdVar_64f", Weight::Unit, nullptr, lyrsLogGaussSingle_IdVar_64f, false});
-    compareSingle<double, double>(
-        {"lyrsLogGaussSingle_DirectVar_64f", Weight::Variance, lyrsLogGaussSingle_DirectVar_64f, nullptr, false});
-}
-
-TEST(LogGaussSingle, SinglesInDoublePrecision)
-{
-    compareSingle<float, double>(
-        {"lyrsLogGaussSingle_32f64f", Weight::Inverse, lyrsLogGaussSingle_32f64f, nullptr, false});
-    compareSingle<float, double>(
-        {"lyrsLogGaussSingle_IdVar_32f64f", Weight::Unit, nullptr, lyrsLogGaussSingle_IdVar_32f64f, false});
-    compareSingle<float, double>(
-        {"lyrsLogGaussSingle_DirectVar_32f64f", Weight::Variance, lyrsLogGaussSingle_DirectVar_32f64f, nullptr, false});
+    forEachSingleMember([](const auto& member) { compareSingle(member); });
 }
 
 // The lanes of a masked tail add nothing, whatever stands behind the vectors: here NaN.
 TEST(LogGaussSingle, BytesBehindTheVectorsDoNotCount)
 {
-    for (std::size_t len = 1; len <= 35; ++len) {
-        alignas(64) std::array<float, 64> x{};
-        x.fill(std::numeric_limits<float>::quiet_NaN());
-        std::fill_n(x.begin(), len, 2.0F);
-        alignas(64) std::array<float, 64> m = x;
-        std::fill_n(m.begin(), len, 1.0F);
-        float result = 0;
-        ASSERT_EQ(lyrsLogGaussSingle_32f(x.data(), m.data(), x.data(), static_cast<Elem32s>(len), &result, 0.0F),
-                  StsNoErr);
-        EXPECT_EQ(result, -static_cast<float>(len)) << len;
-    }
+    forEachSingleMember([]<class S, class T>(const SingleMember<S, T>& member) {
+        SCOPED_TRACE(member.name);
+        for (std::size_t len = 1; len <= 35; ++len) {
+            alignas(64) std::array<S, 64> x{};
+            x.fill(std::numeric_limits<S>::quiet_NaN());
+            std::fill_n(x.begin(), len, S(2));
+            alignas(64) std::array<S, 64> m = x;
+            std::fill_n(m.begin(), len, S(1));
+            T result = 0;
+            ASSERT_EQ(member(x.data(), m.data(), m.data(), static_cast<Elem32s>(len), &result, T(0)), StsNoErr);
+            ASSERT_EQ(result, T(-0.5) * static_cast<T>(len)) << len;
+        }
+    });
 }
 
-TEST(LogGaussSingle, TheDoubledConstantOverflowsInSinglePrecision)
+TEST(LogGaussSingle, OnlySinglePrecisionDoublesTheConstant)
 {
-    const float x = 1.0F;
-    float single = 0;
-    ASSERT_EQ(lyrsLogGaussSingle_32f(&x, &x, &x, 1, &single, 3e38F), StsNoErr);
-    EXPECT_EQ(single, inf32);
-
-    const double y = 1.0;
-    double twice = 0;
-    ASSERT_EQ(lyrsLogGaussSingle_64f(&y, &y, &y, 1, &twice, 1.5e308), StsNoErr);
-    EXPECT_EQ(twice, 1.5e308) << "not doubled in double precision";
+    forEachSingleMember([]<class S, class T>(const SingleMember<S, T>& member) {
+        const S x = 1;
+        const T gconst = std::numeric_limits<T>::max() * T(0.75);
+        T result = 0;
+        ASSERT_EQ(member(&x, &x, &x, 1, &result, gconst), StsNoErr);
+        EXPECT_EQ(result, member.doubled ? std::numeric_limits<T>::infinity() : gconst) << member.name;
+    });
 }
 
 TEST(LogGaussSingle, ZeroInverseVarianceRemovesAnElement)
@@ -206,6 +224,21 @@ TEST(LogGaussSingle, WorkMemoryThatCannotBeHad)
         [&] { return lyrsLogGaussSingle_DirectVar_32f(x.data(), x.data(), x.data(), 5, &result, 1.0F); }, {},
         [&] { EXPECT_EQ(result, 17.0F); });
     EXPECT_EQ(failed, 1);
+}
+
+// A length whose vector is beyond 2 GiB is asked for all the same; here it is refused before anything is read.
+TEST(LogGaussSingle, WorkMemoryOfALongFrame)
+{
+    const float x = 1.0F;
+    for (const Elem32s len : {1, 600000000}) {
+        float result = 17.0F;
+        lyr::test::failAllocationsAfter(0);
+        const Status status = lyrsLogGaussSingle_DirectVar_32f(&x, &x, &x, len, &result, 1.0F);
+        lyr::test::allowAllocations();
+        EXPECT_EQ(status, StsMemAlloc);
+        EXPECT_EQ(result, 17.0F);
+        EXPECT_EQ(lyr::test::lastAllocationSize(), (static_cast<unsigned long>(len) + 32) * 4 + 32 + sizeof(void*));
+    }
 }
 
 // -------------------------------------------------------------------------------------------------------- many frames
@@ -291,13 +324,14 @@ void compareFrames(const FramesMember<T>& member)
         const T gconst = random.uniform<T>(-50, 50);
         for (const std::size_t height : {1, 2, 3, 4, 5, 7, 8, 9}) {
             for (const std::size_t step : {width, width + 1, (width + 2 * unit - 1) / (2 * unit) * 2 * unit}) {
-                for (std::size_t offset = 0; offset < 16; offset += sizeof(T)) {
+                const std::size_t count = (height - 1) * step + width;
+                for (const Offsets& at : places<T>(count, width)) {
                     SCOPED_TRACE("width " + std::to_string(width) + " height " + std::to_string(height) + " step " +
-                                 std::to_string(step) + " offset " + std::to_string(offset));
-                    const std::size_t count = (height - 1) * step + width;
-                    const Guarded<T> frames(random.vector<T>(count, -4, 4), offset);
-                    const Guarded<T> ms(m, offset == 0 ? 0 : Guarded<T>::flush(width));
-                    const Guarded<T> vs(v, offset == 0 ? 0 : Guarded<T>::flush(width));
+                                 std::to_string(step) + " offsets " + std::to_string(at.frame) + ' ' +
+                                 std::to_string(at.mean) + ' ' + std::to_string(at.var));
+                    const Guarded<T> frames(random.vector<T>(count, -4, 4), at.frame);
+                    const Guarded<T> ms(m, at.mean);
+                    const Guarded<T> vs(v, at.var);
                     Guarded<T> dst(height, Guarded<T>::flush(height));
 
                     ASSERT_EQ(member.block(frames.data(), static_cast<Elem32s>(step), ms.data(), vs.data(),
@@ -339,37 +373,125 @@ TEST(LogGauss, DoubleUnitVariance)
     compareFrames(unit64f);
 }
 
-// Row tables double the constant, blocks do not; both are meant.
-TEST(LogGauss, OnlyTablesDoubleTheConstantInDoublePrecision)
+template <class Check>
+void forEachFramesMember(Check check)
 {
-    const std::vector<double> x(6, 1.0);
-    const double* const rows[] = {x.data()};
-    const double gconst = 1.5e308;
-    double score = 0;
-    ASSERT_EQ(lyrsLogGauss_64f_D2(x.data(), 6, x.data(), x.data(), 6, &score, 1, gconst), StsNoErr);
-    EXPECT_EQ(score, gconst);
-    ASSERT_EQ(lyrsLogGauss_IdVar_64f_D2(x.data(), 6, x.data(), 6, &score, 1, gconst), StsNoErr);
-    EXPECT_EQ(score, gconst);
-    ASSERT_EQ(lyrsLogGauss_64f_D2L(rows, x.data(), x.data(), 6, &score, 1, gconst), StsNoErr);
-    EXPECT_EQ(score, inf64);
-    ASSERT_EQ(lyrsLogGauss_IdVar_64f_D2L(rows, x.data(), 6, &score, 1, gconst), StsNoErr);
-    EXPECT_EQ(score, inf64);
+    check(weighted32f);
+    check(unit32f);
+    check(weighted64f);
+    check(unit64f);
 }
 
-// A width of 3 loses small products one by one against a large constant; a width of 4 adds them up first.
+// One row off a multiple of 16 takes the whole table to the unaligned kernel.
+TEST(LogGauss, OneMisalignedRowInATable)
+{
+    forEachFramesMember([]<class T>(const FramesMember<T>& member) {
+        SCOPED_TRACE(member.name);
+        constexpr std::size_t width = 7;
+        constexpr std::size_t height = 6;
+        constexpr std::size_t step = 16;
+        const Guarded<T> x(Random(13).vector<T>(height * step, -4, 4), 0);
+        const Guarded<T> m(std::vector<T>(width, T(1)), 0);
+        for (std::size_t shifted = 0; shifted < height; ++shifted) {
+            std::vector<const T*> rows;
+            for (std::size_t f = 0; f < height; ++f) {
+                rows.push_back(x.data() + f * step + (f == shifted ? 1 : 0));
+            }
+            std::vector<T> scores(height);
+            ASSERT_EQ(member.table(rows.data(), m.data(), m.data(), width, scores.data(), height, T(0)), StsNoErr);
+            for (std::size_t f = 0; f < height; ++f) {
+                const auto d = lyr::oracle::distance<T>(rows[f], m.data(), m.data(), width, Weight::Unit);
+                ASSERT_NEAR(static_cast<double>(scores[f]), static_cast<double>(-0.5L * d.sum),
+                            static_cast<double>(errorBound<T>(width, d.magnitude, T(0))))
+                    << "row " << f << ", shifted " << shifted;
+            }
+        }
+    });
+}
+
+// What lies between the frames, and behind the vectors, is not used: here NaN.
+TEST(LogGauss, ElementsBetweenTheFramesDoNotCount)
+{
+    forEachFramesMember([]<class T>(const FramesMember<T>& member) {
+        SCOPED_TRACE(member.name);
+        constexpr std::size_t height = 5;
+        constexpr std::size_t step = 48;
+        for (std::size_t width = 1; width <= 35; ++width) {
+            alignas(64) std::array<T, height * step> x{};
+            alignas(64) std::array<T, step> m{};
+            std::array<const T*, height> rows{};
+            x.fill(std::numeric_limits<T>::quiet_NaN());
+            m.fill(std::numeric_limits<T>::quiet_NaN());
+            std::fill_n(m.begin(), width, T(1));
+            for (std::size_t f = 0; f < height; ++f) {
+                rows[f] = x.data() + f * step;
+                std::fill_n(x.begin() + f * step, width, T(2));
+            }
+            const auto columns = static_cast<Elem32s>(width);
+            std::array<T, height> scores{};
+            ASSERT_EQ(member.block(x.data(), step, m.data(), m.data(), columns, scores.data(), height, T(0)), StsNoErr);
+            for (const T score : scores) {
+                ASSERT_EQ(score, T(-0.5) * static_cast<T>(width)) << width;
+            }
+            scores = {};
+            ASSERT_EQ(member.table(rows.data(), m.data(), m.data(), columns, scores.data(), height, T(0)), StsNoErr);
+            for (const T score : scores) {
+                ASSERT_EQ(score, T(-0.5) * static_cast<T>(width)) << width;
+            }
+        }
+    });
+}
+
+// In double precision row tables double the constant and blocks do not; both are meant.
+TEST(LogGauss, OnlyTablesDoubleTheConstantInDoublePrecision)
+{
+    forEachFramesMember([]<class T>(const FramesMember<T>& member) {
+        SCOPED_TRACE(member.name);
+        constexpr T inf = std::numeric_limits<T>::infinity();
+        const T gconst = std::numeric_limits<T>::max() * T(0.75);
+        const std::vector<T> x(6, T(1));
+        const T* const rows[] = {x.data()};
+        for (const Elem32s width : {1, 6}) {
+            T score = 0;
+            ASSERT_EQ(member.block(x.data(), 6, x.data(), x.data(), width, &score, 1, gconst), StsNoErr);
+            EXPECT_EQ(score, member.doubledBlock ? inf : gconst) << "block, width " << width;
+            ASSERT_EQ(member.table(rows, x.data(), x.data(), width, &score, 1, gconst), StsNoErr);
+            EXPECT_EQ(score, member.doubledTable ? inf : gconst) << "table, width " << width;
+        }
+    });
+}
+
+// Below a width of 4 small products are lost one by one against a large constant; from there on, and at every width of
+// lyrsLogGauss_IdVar_32f_D2L and of the functions of one frame, they are added up first.
 TEST(LogGauss, NarrowFramesSubtractProductsFromTheConstant)
 {
-    const std::vector<float> x(4, 1.0F);
-    const std::vector<float> m(4, 0.0F);
-    const std::vector<float> v{0.75F, 0.75F, 0.75F, 0.75F};
-    const float gconst = 8388608.0F; // 2^23: twice that has neighbours 1 below and 2 above
+    const float root = std::sqrt(0.75F);
+    const std::vector<float> one(4, 1.0F);
+    const std::vector<float> roots(4, root);
+    const std::vector<float> zero(4, 0.0F);
+    const std::vector<float> v(4, 0.75F);
+    const float* const ones[] = {one.data()};
+    const float* const rootRows[] = {roots.data()};
+    const float gconst = 8388608.0F; // 2^23: below twice that, neighbours are 1 apart
+    const auto less = [gconst](float lost) { return (2.0F * gconst - lost) * 0.5F; };
     float score = 0;
-    ASSERT_EQ(lyrsLogGauss_32f_D2(x.data(), 4, m.data(), v.data(), 3, &score, 1, gconst), StsNoErr);
-    EXPECT_EQ(score, (16777216.0F - 3.0F) * 0.5F) << "0.75 three times, each rounded up to 1";
-    ASSERT_EQ(lyrsLogGauss_32f_D2(x.data(), 4, m.data(), v.data(), 4, &score, 1, gconst), StsNoErr);
-    EXPECT_EQ(score, (16777216.0F - 3.0F) * 0.5F) << "0.75 four times is 3";
-    ASSERT_EQ(lyrsLogGauss_IdVar_32f_D2(x.data(), 4, m.data(), 3, &score, 1, gconst), StsNoErr);
-    EXPECT_EQ(score, (16777216.0F - 3.0F) * 0.5F);
+    const auto expect = [&score, less](Status status, float lost, const char* what) {
+        EXPECT_EQ(status, StsNoErr);
+        EXPECT_EQ(score, less(lost)) << what;
+        score = 0;
+    };
+    // 0.75 three times, each rounded up to 1; 2.25 rounded down to 2.
+    expect(lyrsLogGauss_32f_D2(one.data(), 4, zero.data(), v.data(), 3, &score, 1, gconst), 3, "block");
+    expect(lyrsLogGauss_32f_D2L(ones, zero.data(), v.data(), 3, &score, 1, gconst), 3, "table");
+    expect(lyrsLogGauss_IdVar_32f_D2(roots.data(), 4, zero.data(), 3, &score, 1, gconst), 3, "block, unit variance");
+    expect(lyrsLogGauss_IdVar_32f_D2L(rootRows, zero.data(), 3, &score, 1, gconst), 2, "table, unit variance");
+    expect(lyrsLogGaussSingle_32f(one.data(), zero.data(), v.data(), 3, &score, gconst), 2, "one frame");
+    expect(lyrsLogGaussSingle_IdVar_32f(roots.data(), zero.data(), 3, &score, gconst), 2, "one frame, unit variance");
+    // 0.75 four times is 3.
+    expect(lyrsLogGauss_32f_D2(one.data(), 4, zero.data(), v.data(), 4, &score, 1, gconst), 3, "block of 4");
+    expect(lyrsLogGauss_32f_D2L(ones, zero.data(), v.data(), 4, &score, 1, gconst), 3, "table of 4");
+    expect(lyrsLogGauss_IdVar_32f_D2(roots.data(), 4, zero.data(), 4, &score, 1, gconst), 3, "unit block of 4");
+    expect(lyrsLogGauss_IdVar_32f_D2L(rootRows, zero.data(), 4, &score, 1, gconst), 3, "unit table of 4");
 }
 
 } // namespace
