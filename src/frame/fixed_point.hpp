@@ -51,6 +51,7 @@ LYR_INLINE constexpr Elem32s wrappingMul(Elem32s a, Elem32s b)
 template <class T>
 LYR_INLINE constexpr T shiftRight(T x, std::uint32_t count)
 {
+    static_assert(std::is_signed_v<T>);
     constexpr std::uint32_t width = std::numeric_limits<T>::digits;
     return static_cast<T>(x >> (count > width ? width : count));
 }
@@ -59,6 +60,7 @@ LYR_INLINE constexpr T shiftRight(T x, std::uint32_t count)
 template <class T>
 LYR_INLINE constexpr T shiftLeftSaturating(T x, std::uint32_t count)
 {
+    static_assert(std::is_signed_v<T>);
     constexpr T top = std::numeric_limits<T>::max();
     constexpr T bottom = std::numeric_limits<T>::min();
     if (x == 0) {
@@ -87,6 +89,7 @@ LYR_INLINE constexpr Elem32s shiftLeftWrapping(Elem32s x, std::uint32_t count)
 template <class T>
 LYR_INLINE constexpr T shiftRightNearest(T x, std::uint32_t count)
 {
+    static_assert(std::is_signed_v<T>);
     using U = std::make_unsigned_t<T>;
     constexpr std::uint32_t width = std::numeric_limits<T>::digits + 1;
     if (count == 0) {
