@@ -19,9 +19,13 @@ namespace {
 
 const lyr::LogGaussKernels kernels = LYR_SELECT_KERNELS(logGaussKernels);
 
-// Below this width the kernels' set-up costs more than the frame, and the score is subtracted together from twice the
-// constant, element by element in single precision: a rounding of its own, which is part of the result.
+// Frames narrower than this fill no register. Their products are subtracted from twice the constant one by one, where
+// the kernels add the products up first: a rounding of its own, and meant.
 constexpr Elem32s kernelWidth = 4;
+
+// In double precision the stride of a block must be a multiple of 4 elements for the aligned kernels, stricter than 16
+// bytes ask for: meant, and a matter of speed alone.
+constexpr Elem32s stepUnit64f = 4;
 
 template <class Rows>
 void scoreNarrowFrames(Rows frames, const Elem32f* mean, const Elem32f* var, Elem32s width, Elem32f* dst,
@@ -63,7 +67,7 @@ Status lyrsLogGaussSingle_64f(const Elem64f* pSrc, const Elem64f* pMean, const E
 Status lyrsLogGaussSingle_32f64f(const Elem32f* pSrc, const Elem32f* pMean, const Elem32f* pVar, Elem32s len,
                                  Elem64f* pResult, Elem64f gconst)
 {
-    LYR_CHECK(pointers(pSrc, pMean, pVar), pointers(pResult), sizes(len));
+    LYR_CHECK(pointers(pSrc, pMean, pVar, pResult), sizes(len));
     *pResult = Plain{gconst}.score(kernels.weighted32f64f(pSrc, pMean, pVar, len));
     return StsNoErr;
 }
@@ -89,7 +93,7 @@ Status lyrsLogGaussSingle_IdVar_64f(const Elem64f* pSrc, const Elem64f* pMean, E
 Status lyrsLogGaussSingle_IdVar_32f64f(const Elem32f* pSrc, const Elem32f* pMean, Elem32s len, Elem64f* pResult,
                                        Elem64f gconst)
 {
-    LYR_CHECK(pointers(pSrc, pMean), pointers(pResult), sizes(len));
+    LYR_CHECK(pointers(pSrc, pMean, pResult), sizes(len));
     *pResult = Plain{gconst}.score(kernels.unit32f64f(pSrc, pMean, nullptr, len));
     return StsNoErr;
 }
@@ -126,7 +130,7 @@ Status lyrsLogGaussSingle_DirectVar_64f(const Elem64f* pSrc, const Elem64f* pMea
 Status lyrsLogGaussSingle_DirectVar_32f64f(const Elem32f* pSrc, const Elem32f* pMean, const Elem32f* pVar, Elem32s len,
                                            Elem64f* pResult, Elem64f gconst)
 {
-    LYR_CHECK(pointers(pSrc, pMean, pVar), pointers(pResult), sizes(len));
+    LYR_CHECK(pointers(pSrc, pMean, pVar, pResult), sizes(len));
     for (Elem32s i = 0; i < len; ++i) {
         if (pVar[i] == 0.0F) {
             return StsWarnOverflow;
@@ -155,7 +159,7 @@ Status lyrsLogGauss_32f_D2(const Elem32f* pSrc, Elem32s step, const Elem32f* pMe
 Status lyrsLogGauss_32f_D2L(const Elem32f* const* mPtr, const Elem32f* pMean, const Elem32f* pVar, Elem32s width,
                             Elem32f* pDst, Elem32s height, Elem32f gconst)
 {
-    LYR_CHECK(pointers(mPtr), pointers(pMean, pVar, pDst), sizes(width, height));
+    LYR_CHECK(pointers(mPtr, pMean, pVar, pDst), sizes(width, height));
     const Table frames{mPtr};
     if (width < kernelWidth) {
         scoreNarrowFrames(frames, pMean, pVar, width, pDst, height, gconst);
@@ -180,20 +184,16 @@ Status lyrsLogGauss_IdVar_32f_D2(const Elem32f* pSrc, Elem32s step, const Elem32
     return StsNoErr;
 }
 
-// The one member without a narrow path: every width goes to a kernel.
+// The one member in single precision without a narrow path: every width goes to a kernel. Meant.
 Status lyrsLogGauss_IdVar_32f_D2L(const Elem32f* const* mPtr, const Elem32f* pMean, Elem32s width, Elem32f* pDst,
                                   Elem32s height, Elem32f gconst)
 {
-    LYR_CHECK(pointers(mPtr), pointers(pMean, pDst), sizes(width, height));
+    LYR_CHECK(pointers(mPtr, pMean, pDst), sizes(width, height));
     const Table frames{mPtr};
     const bool aligned = frames.isAligned(height) && areAligned16(pMean);
     kernels.frames32f.tableUnit(aligned)(frames, pMean, UnitWeights{}, width, pDst, height, Doubled{gconst});
     return StsNoErr;
 }
-
-// In double precision the stride must be a multiple of 4 elements for the aligned kernels, stricter than 16 bytes ask
-// for: meant, and part of what decides the last bits of a score.
-static constexpr Elem32s stepUnit64f = 4;
 
 Status lyrsLogGauss_64f_D2(const Elem64f* pSrc, Elem32s step, const Elem64f* pMean, const Elem64f* pVar, Elem32s width,
                            Elem64f* pDst, Elem32s height, Elem64f gconst)
@@ -208,7 +208,7 @@ Status lyrsLogGauss_64f_D2(const Elem64f* pSrc, Elem32s step, const Elem64f* pMe
 Status lyrsLogGauss_64f_D2L(const Elem64f* const* mPtr, const Elem64f* pMean, const Elem64f* pVar, Elem32s width,
                             Elem64f* pDst, Elem32s height, Elem64f gconst)
 {
-    LYR_CHECK(pointers(mPtr), pointers(pMean, pVar, pDst), sizes(width, height));
+    LYR_CHECK(pointers(mPtr, pMean, pVar, pDst), sizes(width, height));
     const Table frames{mPtr};
     const bool aligned = frames.isAligned(height) && areAligned16(pMean, pVar);
     kernels.frames64f.tableWeighted(aligned)(frames, pMean, SharedWeights{pVar}, width, pDst, height, Doubled{gconst});
@@ -228,7 +228,7 @@ Status lyrsLogGauss_IdVar_64f_D2(const Elem64f* pSrc, Elem32s step, const Elem64
 Status lyrsLogGauss_IdVar_64f_D2L(const Elem64f* const* mPtr, const Elem64f* pMean, Elem32s width, Elem64f* pDst,
                                   Elem32s height, Elem64f gconst)
 {
-    LYR_CHECK(pointers(mPtr), pointers(pMean, pDst), sizes(width, height));
+    LYR_CHECK(pointers(mPtr, pMean, pDst), sizes(width, height));
     const Table frames{mPtr};
     const bool aligned = frames.isAligned(height) && areAligned16(pMean);
     kernels.frames64f.tableUnit(aligned)(frames, pMean, UnitWeights{}, width, pDst, height, Doubled{gconst});
