@@ -168,6 +168,12 @@ TEST(ConvertToFloat, RoundsByTheModeInForce)
             const volatile Elem32s y = x;
             return static_cast<float>(y);
         });
+        compareElements<float>(
+            ints, [](const Elem32s* p, float* q, Elem32s n) { return lyrsConvert_32s32f_Sfs(p, q, n, 3); },
+            [](Elem32s x) {
+                const volatile Elem32s y = x;
+                return static_cast<float>(y) * 0.125F;
+            });
         compareElements<float>(doubles, lyrsConvert_64f32f, [](double x) {
             const volatile double y = x;
             return static_cast<float>(y);
