@@ -6,7 +6,7 @@
 
 namespace lyr::LYR_NS {
 
-// ------------------------------------------------------------------------------------------------------------ loading
+// ------------------------------------------------------------------------------------------------------------- loading
 
 namespace detail {
 
@@ -68,7 +68,7 @@ LYR_INLINE I32 loadWideTail(const std::uint8_t* p, int n)
 }
 #endif
 
-// ------------------------------------------------------------------------------------------------------------ storing
+// ------------------------------------------------------------------------------------------------------------- storing
 
 namespace detail {
 
@@ -134,8 +134,7 @@ LYR_INLINE void storeSaturatedTail(std::int16_t* p, I32 v, int n)
 }
 #endif
 
-// -------------------------------------------------------------------------------- doubles and lanes<F64> 32-bit
-// integers
+// ------------------------------------------------------------------------------ doubles and lanes<F64> 32-bit integers
 
 // The integers of one vector of doubles, in the low end of a register. toInts rounds by the mode in force; out of range
 // gives -2^31.
@@ -195,7 +194,7 @@ LYR_INLINE void storeIntsTail(std::int32_t* p, HalfInts v, int n)
 }
 #endif
 
-// ------------------------------------------------------------------------------------------------ products of 16 bits
+// ------------------------------------------------------------------------------------------------- products of 16 bits
 
 // a[2i] * b[2i] + a[2i + 1] * b[2i + 1], where four factors of -2^15 make -2^31 of 2^31 and nothing else does.
 LYR_INLINE I32 dotPairs(I16 a, I16 b)

@@ -1,4 +1,5 @@
-// The kernels of the conversions between element types.
+// The kernels of the conversions between element types. Each returns StsNoErr, so that the exported function can end in
+// a jump to it: on a short vector that counts.
 #pragma once
 
 #include "frame/select.hpp"
@@ -8,13 +9,13 @@ namespace lyr {
 
 // dst[i] = src[i] in the type of the destination.
 template <class S, class D>
-using ConvertKernel = void(const S* src, D* dst, Elem32s len);
+using ConvertKernel = Status(const S* src, D* dst, Elem32s len);
 
 // dst[i] = src[i] * factor.
 template <class S, class D, class Factor = D>
-using ScaleKernel = void(const S* src, D* dst, Elem32s len, Factor factor);
+using ScaleKernel = Status(const S* src, D* dst, Elem32s len, Factor factor);
 
-// dst[i] = src[i] * factor as an integer: by the rounding mode in force, or toward zero.
+// dst[i] = src[i] * factor as an integer: to nearest with ties to even, or toward zero.
 template <class S, class D>
 struct ToIntegerKernels
 {
@@ -23,7 +24,7 @@ struct ToIntegerKernels
 };
 
 // dst[i] = src[i] * 2^(-shift) or 2^shift, limited.
-using ShiftKernel = void(const Elem32s* src, Elem16s* dst, Elem32s len, int shift);
+using ShiftKernel = Status(const Elem32s* src, Elem16s* dst, Elem32s len, int shift);
 
 struct ConvertKernels
 {
@@ -35,6 +36,9 @@ struct ConvertKernels
     ScaleKernel<Elem16s, Elem32f>* scaled16sTo32f;
     ScaleKernel<Elem32s, Elem32f>* scaled32sTo32f;
     ScaleKernel<Elem16s, Elem64f>* scaled16sTo64f;
+    // Whether the kernels to integers round as told in every mode and raise no flag; otherwise they need the mode set
+    // to nearest around them.
+    bool keepEnvironment;
     ToIntegerKernels<Elem32f, Elem16s> from32fTo16s;
     ToIntegerKernels<Elem32f, Elem32s> from32fTo32s;
     ToIntegerKernels<Elem64f, Elem32s> from64fTo32s;

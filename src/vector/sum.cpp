@@ -60,7 +60,10 @@ Elem32f sumAccurately(const Elem32f* src, Elem32s len)
 Status lyrsSum_32f(const Elem32f* pSrc, Elem32s len, Elem32f* pSum, Elem32s hint)
 {
     LYR_CHECK(pointers(pSrc, pSum), sizes(len));
-    *pSum = hint == fastHint ? kernels.fast32f(pSrc, len) : sumAccurately(pSrc, len);
+    if (hint == fastHint) {
+        return kernels.fast32f(pSrc, len, pSum);
+    }
+    *pSum = sumAccurately(pSrc, len);
     return StsNoErr;
 }
 

@@ -6,13 +6,15 @@
 namespace lyr::LYR_NS {
 namespace {
 
-// ------------------------------------------------------------------------------------------------------- floating
-// point
+// ------------------------------------------------------------------------------------------------------ floating point
+
+// From this length on a short first step brings the source to a boundary, as loads that cross cache lines cost double.
+constexpr std::ptrdiff_t lengthToAlign = 192;
 
 // Four accumulators, so that one addition need not wait for the last: add(acc, i) takes in a register of elements from
-// i on, addTail(acc, i, n) n elements.
-template <class V, class Add, class AddTail>
-LYR_INLINE V accumulate(std::ptrdiff_t len, Add add, AddTail addTail)
+// i on, addTail(acc, i, n) n elements. `src` is where elements of `size` bytes stand.
+template <class V, std::size_t size, class Add, class AddTail>
+LYR_INLINE V accumulate(const void* src, std::ptrdiff_t len, Add add, AddTail addTail)
 {
     constexpr int L = lanes<V>;
     V a0 = V{};
@@ -20,6 +22,14 @@ LYR_INLINE V accumulate(std::ptrdiff_t len, Add add, AddTail addTail)
     V a2 = V{};
     V a3 = V{};
     std::ptrdiff_t i = 0;
+    if (vectorBytes > 16 && len >= lengthToAlign) {
+        constexpr std::uintptr_t unit = L * size;
+        const auto bytes = static_cast<std::size_t>(-reinterpret_cast<std::uintptr_t>(src) % unit);
+        if (const int head = static_cast<int>(bytes / size); head != 0) {
+            a3 = addTail(a3, 0, head);
+            i = head;
+        }
+    }
     for (; i + 4 * L <= len; i += 4 * L) {
         a0 = add(a0, i);
         a1 = add(a1, i + L);
@@ -49,57 +59,84 @@ LYR_INLINE float singleAt(const char* p)
     return x;
 }
 
-float fast32f(const float* src, Elem32s len)
+// The lanes of up to a block of singles, folded to two.
+struct LaneSums
+{
+    float even;
+    float odd;
+};
+
+LYR_INLINE LaneSums laneSums(const char* p, std::ptrdiff_t n)
+{
+    constexpr std::size_t size = sizeof(float);
+    const F32 all = accumulate<F32, size>(
+        p, n,
+        [p](F32 acc, std::ptrdiff_t i) {
+            F32 x;
+            std::memcpy(&x, p + i * static_cast<std::ptrdiff_t>(size), sizeof x);
+            return acc + x;
+        },
+        [p](F32 acc, std::ptrdiff_t i, int rest) {
+            return acc +
+                   loadTail<Unaligned>(reinterpret_cast<const float*>(p + i * static_cast<std::ptrdiff_t>(size)), rest);
+        });
+    const __m128 four = detail::fold(all);
+    const __m128 two = _mm_add_ps(four, _mm_movehl_ps(four, four));
+    return {_mm_cvtss_f32(two), _mm_cvtss_f32(_mm_shuffle_ps(two, two, 1))};
+}
+
+// Blocks of single-precision sums, and a total of extended precision over them. What stands ahead of a 16-byte boundary
+// goes to the total directly.
+Status fast32f(const float* src, Elem32s len, float* result)
 {
     constexpr std::ptrdiff_t block = 32768;
     constexpr std::ptrdiff_t size = sizeof(float);
     const char* p = reinterpret_cast<const char*>(src);
+    const std::uintptr_t beyondBoundary = reinterpret_cast<std::uintptr_t>(p) % 16;
     std::ptrdiff_t left = len;
+    if (left <= block && (beyondBoundary == 0 || beyondBoundary % size != 0)) {
+        // A total of two needs no extended precision on its way to a single.
+        const LaneSums sums = laneSums(p, left);
+        *result = sums.even + sums.odd;
+        return StsNoErr;
+    }
     long double total = 0;
-    if (reinterpret_cast<std::uintptr_t>(p) % size == 0) {
+    if (beyondBoundary % size == 0) {
         for (; left > 0 && reinterpret_cast<std::uintptr_t>(p) % 16 != 0; --left, p += size) {
             total += static_cast<long double>(singleAt(p));
         }
     }
     while (left > 0) {
         const std::ptrdiff_t n = left < block ? left : block;
-        const F32 lanesOf = accumulate<F32>(
-            n,
-            [p](F32 acc, std::ptrdiff_t i) {
-                F32 x;
-                std::memcpy(&x, p + i * size, sizeof x);
-                return acc + x;
-            },
-            [p](F32 acc, std::ptrdiff_t i, int rest) {
-                return acc + loadTail<Unaligned>(reinterpret_cast<const float*>(p + i * size), rest);
-            });
-        const __m128 four = detail::fold(lanesOf);
-        const __m128 two = _mm_add_ps(four, _mm_movehl_ps(four, four));
-        total += static_cast<long double>(_mm_cvtss_f32(two));
-        total += static_cast<long double>(_mm_cvtss_f32(_mm_shuffle_ps(two, two, 1)));
+        const LaneSums sums = laneSums(p, n);
+        total += static_cast<long double>(sums.even);
+        total += static_cast<long double>(sums.odd);
         left -= n;
         p += n * size;
     }
-    return static_cast<float>(total);
+    *result = static_cast<float>(total);
+    return StsNoErr;
 }
 
 template <class T>
-T dot(const T* a, const T* b, Elem32s len)
+Status dot(const T* a, const T* b, Elem32s len, T* result)
 {
     using V = VectorOf<T>;
-    return sum(accumulate<V>(
-        len, [=](V acc, std::ptrdiff_t i) { return mulAdd(load<Unaligned>(a + i), load<Unaligned>(b + i), acc); },
+    *result = sum(accumulate<V, sizeof(T)>(
+        a, len, [=](V acc, std::ptrdiff_t i) { return mulAdd(load<Unaligned>(a + i), load<Unaligned>(b + i), acc); },
         [=](V acc, std::ptrdiff_t i, int n) {
             return mulAdd(loadTail<Unaligned>(a + i, n), loadTail<Unaligned>(b + i, n), acc);
         }));
+    return StsNoErr;
 }
 
 // Products of widened singles are exact.
-double dotWidened(const float* a, const float* b, Elem32s len)
+Status dotWidened(const float* a, const float* b, Elem32s len, double* result)
 {
-    return sum(accumulate<F64>(
-        len, [=](F64 acc, std::ptrdiff_t i) { return mulAdd(loadWide(a + i), loadWide(b + i), acc); },
+    *result = sum(accumulate<F64, sizeof(float)>(
+        a, len, [=](F64 acc, std::ptrdiff_t i) { return mulAdd(loadWide(a + i), loadWide(b + i), acc); },
         [=](F64 acc, std::ptrdiff_t i, int n) { return mulAdd(loadWideTail(a + i, n), loadWideTail(b + i, n), acc); }));
+    return StsNoErr;
 }
 
 // ------------------------------------------------------------------------------------------------------------ integers
@@ -156,7 +193,9 @@ Elem64s exact32s(const Elem32s* src, Elem32s len)
 // this, all are in order.
 constexpr std::uint32_t pairBias = 0x7FFF0000U;
 
-Elem64s dot16s(const Elem16s* a, const Elem16s* b, Elem32s len)
+// Exact, and rounded once where the result is a single.
+template <class R>
+Status dot16s(const Elem16s* a, const Elem16s* b, Elem32s len, R* result)
 {
     constexpr int L = lanes<I16>;
     WideSum total(pairBias);
@@ -167,7 +206,8 @@ Elem64s dot16s(const Elem16s* a, const Elem16s* b, Elem32s len)
     if (const int rest = static_cast<int>(len - i); rest != 0) {
         total.add(dotPairs(loadTail<Unaligned>(a + i, rest), loadTail<Unaligned>(b + i, rest)));
     }
-    return total.result();
+    *result = static_cast<R>(total.result());
+    return StsNoErr;
 }
 
 Elem64s exact16s(const Elem16s* src, Elem32s len)
@@ -194,7 +234,8 @@ const SumKernels sumKernels{
     .dot32f = dot<Elem32f>,
     .dot64f = dot<Elem64f>,
     .dot32f64f = dotWidened,
-    .dot16s = dot16s,
+    .dot16s64s = dot16s<Elem64s>,
+    .dot16s32f = dot16s<Elem32f>,
 };
 
 } // namespace lyr::LYR_NS

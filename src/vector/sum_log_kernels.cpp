@@ -71,9 +71,9 @@ LogProduct product(const T* p, int n)
     std::memcpy(mantissa, &mantissas, sizeof mantissa);
     std::memcpy(exponent, &exponents, sizeof exponent);
     LogProduct result{1.0, -bias * count, all(even.normal & odd.normal)};
-    for (int k = 0; k < L; ++k) {
-        result.mantissa *= mantissa[k];
-        result.exponent += static_cast<Elem64s>(exponent[k]);
+    for (int k = 0; k < L; k += 2) {
+        result.mantissa *= mantissa[k] * mantissa[k + 1];
+        result.exponent += static_cast<Elem64s>(exponent[k] + exponent[k + 1]);
     }
     return result;
 }

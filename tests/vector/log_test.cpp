@@ -41,8 +41,7 @@ constexpr double logUnits = 1.5;
     return ::testing::AssertionFailure() << "ln " << x << " = " << exact << ", not " << actual;
 }
 
-// ------------------------------------------------------------------------------------------------------ single
-// precision
+// ---------------------------------------------------------------------------------------------------- single precision
 
 TEST(Ln32f, WithinItsBoundFromTheLeastToTheGreatest)
 {

@@ -36,8 +36,7 @@ float sum32f(const float* x, std::size_t len, Elem32s hint)
     return sum;
 }
 
-// ------------------------------------------------------------------------------------------------------ single
-// precision
+// ---------------------------------------------------------------------------------------------------- single precision
 
 TEST(Sum32f, AccurateFollowsItsEightSums)
 {

@@ -1,0 +1,67 @@
+// Ours against peers: all take turns on the same data in one process, and the median times give the ratio.
+#pragma once
+
+#include <algorithm>
+#include <benchmark/benchmark.h>
+#include <chrono>
+#include <cmath>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace bench {
+
+struct Contender
+{
+    std::string name;
+    std::function<void()> run;
+    std::function<double()> result; // what it computed, to be compared
+};
+
+// The first contender is ours. Each round runs every contender for about the same short time. The counter `ratio` is
+// our median time over that of the fastest peer.
+inline void contest(benchmark::State& state, const std::vector<Contender>& contenders, double tolerance)
+{
+    using Clock = std::chrono::steady_clock;
+    const auto timed = [](const Contender& c, int calls) {
+        const auto start = Clock::now();
+        for (int i = 0; i < calls; ++i) {
+            c.run();
+            benchmark::ClobberMemory();
+        }
+        return std::chrono::duration<double, std::nano>(Clock::now() - start).count() / calls;
+    };
+    std::vector<int> calls;
+    for (const Contender& c : contenders) {
+        c.run();
+        const double expected = contenders.front().result();
+        if (!(std::fabs(c.result() - expected) <= tolerance * std::max(1.0, std::fabs(expected)))) {
+            state.SkipWithError(
+                (c.name + " computes " + std::to_string(c.result()) + " and ours " + std::to_string(expected)).c_str());
+            return;
+        }
+        calls.push_back(std::clamp(static_cast<int>(30000.0 / timed(c, 10)), 1, 10000));
+    }
+    std::vector<std::vector<double>> times(contenders.size());
+    for (auto _ : state) {
+        for (std::size_t k = 0; k < contenders.size(); ++k) {
+            times[k].push_back(timed(contenders[k], calls[k]));
+        }
+    }
+    double ours = 0;
+    double best = 0;
+    for (std::size_t k = 0; k < contenders.size(); ++k) {
+        std::nth_element(times[k].begin(), times[k].begin() + static_cast<std::ptrdiff_t>(times[k].size() / 2),
+                         times[k].end());
+        const double median = times[k][times[k].size() / 2];
+        state.counters[contenders[k].name] = median;
+        if (k == 0) {
+            ours = median;
+        } else if (best == 0 || median < best) {
+            best = median;
+        }
+    }
+    state.counters["ratio"] = ours / best;
+}
+
+} // namespace bench
