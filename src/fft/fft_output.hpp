@@ -156,8 +156,9 @@ LYR_INLINE void putBlocks(const Output& out, const Plan& plan, std::ptrdiff_t k1
         out.template finish<V>(low, high, fine, k2);
         float* const lowAt = out.at(k1 + m * k2);
         float* const highAt = out.at(m - k1 - w + 1 + m * (c - 1 - k2));
-        if (k1 == 0) {
-            // All but lane 0, which has no place yet in the one and none at all in the other.
+        if (k1 == 0 && k2 == 0) {
+            // What lanes 0 of the first pair leave behind is overwritten afterwards, but in these two rows it has no place
+            // at all: ahead of the vector and behind its end.
             float lanes[4 * w];
             storePairs(lanes, low);
             storePairsReversed(lanes + 2 * w, high);
