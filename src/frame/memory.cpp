@@ -51,6 +51,10 @@ void layTable(void* buffer, Elem32s rows, Elem32s cols) noexcept
 template <class T>
 T** allocateTable(Elem32s rows, Elem32s cols) noexcept
 {
+    // A row that is no length by itself would make the 64 bits of the size wrap.
+    if (paddedColumns(cols) > INT32_MAX / element) {
+        return nullptr;
+    }
     // A table without rows is a block all the same, with the slack alone in it.
     void* const block = allocateBytes(tableBytes(rows, cols));
     if (block == nullptr) {
