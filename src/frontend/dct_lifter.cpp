@@ -20,7 +20,7 @@ using lyr::blockAlignment;
 
 namespace {
 
-const lyr::DctLifterKernels kernels = LYR_SELECT_KERNELS(dctLifterKernels);
+const lyr::DctLifterKernels kernels = LYR_SELECT_KERNELS_UP_TO_256(dctLifterKernels);
 
 template <class State>
 constexpr bool isFixedPoint = std::is_same_v<State, DCTLifterState_16s>;

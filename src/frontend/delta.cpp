@@ -15,7 +15,17 @@ using lyr::WideArithmetic;
 
 namespace {
 
-const lyr::DeltaKernels kernels = LYR_SELECT_KERNELS(deltaKernels);
+const lyr::DeltaKernels wide = LYR_SELECT_KERNELS_UP_TO_256(deltaKernels);
+
+const lyr::DeltaWindows<SingleArithmetic>& single(Elem32s width)
+{
+    return lyr::isNarrow<Elem32f>(width) ? lyr::w128::deltaKernels.single : wide.single;
+}
+
+const lyr::DeltaWindows<FixedArithmetic>& fixed(Elem32s width)
+{
+    return lyr::isNarrow<Elem16s>(width) ? lyr::w128::deltaKernels.fixed : wide.fixed;
+}
 
 } // namespace
 
@@ -26,7 +36,7 @@ Status lyrsDelta_Win1_32f_D2(const Elem32f* pSrc, Elem32s width, Elem32f* pDst, 
 {
     LYR_CHECK(pointers(pSrc, pDst), frames(width, height, deltaMode), columns(2, width, dstStep),
               history(2, height, deltaMode));
-    kernels.single.deltaWin1.scalar({pSrc, pDst, dstStep, width, height, deltaMode}, {val, 0}, {});
+    single(width).deltaWin1.scalar({pSrc, pDst, dstStep, width, height, deltaMode}, {val, 0}, {});
     return StsNoErr;
 }
 
@@ -35,7 +45,7 @@ Status lyrsDelta_Win2_32f_D2(const Elem32f* pSrc, Elem32s width, Elem32f* pDst, 
 {
     LYR_CHECK(pointers(pSrc, pDst), frames(width, height, deltaMode), columns(2, width, dstStep),
               history(4, height, deltaMode));
-    kernels.single.deltaWin2.scalar({pSrc, pDst, dstStep, width, height, deltaMode}, {val, 0}, {});
+    single(width).deltaWin2.scalar({pSrc, pDst, dstStep, width, height, deltaMode}, {val, 0}, {});
     return StsNoErr;
 }
 
@@ -44,7 +54,7 @@ Status lyrsDeltaDelta_Win1_32f_D2(const Elem32f* pSrc, Elem32s width, Elem32f* p
 {
     LYR_CHECK(pointers(pSrc, pDst), frames(width, height, deltaMode), columns(3, width, dstStep),
               history(3, height, deltaMode));
-    kernels.single.deltaDeltaWin1.scalar({pSrc, pDst, dstStep, width, height, deltaMode}, {valD, valDD}, {});
+    single(width).deltaDeltaWin1.scalar({pSrc, pDst, dstStep, width, height, deltaMode}, {valD, valDD}, {});
     return StsNoErr;
 }
 
@@ -53,7 +63,7 @@ Status lyrsDeltaDelta_Win2_32f_D2(const Elem32f* pSrc, Elem32s width, Elem32f* p
 {
     LYR_CHECK(pointers(pSrc, pDst), frames(width, height, deltaMode), columns(3, width, dstStep),
               history(6, height, deltaMode));
-    kernels.single.deltaDeltaWin2.scalar({pSrc, pDst, dstStep, width, height, deltaMode}, {valD, valDD}, {});
+    single(width).deltaDeltaWin2.scalar({pSrc, pDst, dstStep, width, height, deltaMode}, {valD, valDD}, {});
     return StsNoErr;
 }
 
@@ -62,7 +72,7 @@ Status lyrsDeltaMul_Win1_32f_D2(const Elem32f* pSrc, const Elem32f* pVal, Elem32
 {
     LYR_CHECK(pointers(pSrc, pVal, pDst), frames(width, height, deltaMode), columns(2, width, dstStep),
               history(2, height, deltaMode));
-    kernels.single.deltaWin1.columns({pSrc, pDst, dstStep, width, height, deltaMode}, {pVal}, {});
+    single(width).deltaWin1.columns({pSrc, pDst, dstStep, width, height, deltaMode}, {pVal}, {});
     return StsNoErr;
 }
 
@@ -71,7 +81,7 @@ Status lyrsDeltaMul_Win2_32f_D2(const Elem32f* pSrc, const Elem32f* pVal, Elem32
 {
     LYR_CHECK(pointers(pSrc, pVal, pDst), frames(width, height, deltaMode), columns(2, width, dstStep),
               history(4, height, deltaMode));
-    kernels.single.deltaWin2.columns({pSrc, pDst, dstStep, width, height, deltaMode}, {pVal}, {});
+    single(width).deltaWin2.columns({pSrc, pDst, dstStep, width, height, deltaMode}, {pVal}, {});
     return StsNoErr;
 }
 
@@ -80,7 +90,7 @@ Status lyrsDeltaDeltaMul_Win1_32f_D2(const Elem32f* pSrc, const Elem32f* pVal, E
 {
     LYR_CHECK(pointers(pSrc, pVal, pDst), frames(width, height, deltaMode), columns(3, width, dstStep),
               history(3, height, deltaMode));
-    kernels.single.deltaDeltaWin1.columns({pSrc, pDst, dstStep, width, height, deltaMode}, {pVal}, {});
+    single(width).deltaDeltaWin1.columns({pSrc, pDst, dstStep, width, height, deltaMode}, {pVal}, {});
     return StsNoErr;
 }
 
@@ -89,7 +99,7 @@ Status lyrsDeltaDeltaMul_Win2_32f_D2(const Elem32f* pSrc, const Elem32f* pVal, E
 {
     LYR_CHECK(pointers(pSrc, pVal, pDst), frames(width, height, deltaMode), columns(3, width, dstStep),
               history(6, height, deltaMode));
-    kernels.single.deltaDeltaWin2.columns({pSrc, pDst, dstStep, width, height, deltaMode}, {pVal}, {});
+    single(width).deltaDeltaWin2.columns({pSrc, pDst, dstStep, width, height, deltaMode}, {pVal}, {});
     return StsNoErr;
 }
 
@@ -100,7 +110,7 @@ Status lyrsDelta_Win1_16s_D2Sfs(const Elem16s* pSrc, Elem32s width, Elem16s* pDs
 {
     LYR_CHECK(pointers(pSrc, pDst), frames(width, height, deltaMode), columns(2, width, dstStep),
               history(2, height, deltaMode));
-    kernels.fixed.deltaWin1.scalar({pSrc, pDst, dstStep, width, height, deltaMode}, {val, 0}, {scaleFactor});
+    fixed(width).deltaWin1.scalar({pSrc, pDst, dstStep, width, height, deltaMode}, {val, 0}, {scaleFactor});
     return StsNoErr;
 }
 
@@ -109,7 +119,7 @@ Status lyrsDelta_Win2_16s_D2Sfs(const Elem16s* pSrc, Elem32s width, Elem16s* pDs
 {
     LYR_CHECK(pointers(pSrc, pDst), frames(width, height, deltaMode), columns(2, width, dstStep),
               history(4, height, deltaMode));
-    kernels.fixed.deltaWin2.scalar({pSrc, pDst, dstStep, width, height, deltaMode}, {val, 0}, {scaleFactor});
+    fixed(width).deltaWin2.scalar({pSrc, pDst, dstStep, width, height, deltaMode}, {val, 0}, {scaleFactor});
     return StsNoErr;
 }
 
@@ -118,7 +128,7 @@ Status lyrsDeltaDelta_Win1_16s_D2Sfs(const Elem16s* pSrc, Elem32s width, Elem16s
 {
     LYR_CHECK(pointers(pSrc, pDst), frames(width, height, deltaMode), columns(3, width, dstStep),
               history(3, height, deltaMode));
-    kernels.fixed.deltaDeltaWin1.scalar({pSrc, pDst, dstStep, width, height, deltaMode}, {valD, valDD}, {scaleFactor});
+    fixed(width).deltaDeltaWin1.scalar({pSrc, pDst, dstStep, width, height, deltaMode}, {valD, valDD}, {scaleFactor});
     return StsNoErr;
 }
 
@@ -133,9 +143,10 @@ Status lyrsDeltaDelta_Win2_16s_D2Sfs(const Elem16s* pSrc, Elem32s width, Elem16s
     // others saturates.
     constexpr Elem32s wideFrom = 14;
     if (width >= wideFrom) {
+        const auto& kernels = lyr::isNarrow<Elem16s>(width) ? lyr::w128::deltaKernels : wide;
         kernels.wideDeltaDeltaWin2(stream, gains, WideArithmetic{scaleFactor});
     } else {
-        kernels.fixed.deltaDeltaWin2.scalar(stream, gains, FixedArithmetic{scaleFactor});
+        fixed(width).deltaDeltaWin2.scalar(stream, gains, FixedArithmetic{scaleFactor});
     }
     return StsNoErr;
 }
@@ -145,7 +156,7 @@ Status lyrsDeltaMul_Win1_16s_D2Sfs(const Elem16s* pSrc, const Elem16s* pVal, Ele
 {
     LYR_CHECK(pointers(pSrc, pVal, pDst), frames(width, height, deltaMode), columns(2, width, dstStep),
               history(2, height, deltaMode));
-    kernels.fixed.deltaWin1.columns({pSrc, pDst, dstStep, width, height, deltaMode}, {pVal}, {scaleFactor});
+    fixed(width).deltaWin1.columns({pSrc, pDst, dstStep, width, height, deltaMode}, {pVal}, {scaleFactor});
     return StsNoErr;
 }
 
@@ -154,7 +165,7 @@ Status lyrsDeltaMul_Win2_16s_D2Sfs(const Elem16s* pSrc, const Elem16s* pVal, Ele
 {
     LYR_CHECK(pointers(pSrc, pVal, pDst), frames(width, height, deltaMode), columns(2, width, dstStep),
               history(4, height, deltaMode));
-    kernels.fixed.deltaWin2.columns({pSrc, pDst, dstStep, width, height, deltaMode}, {pVal}, {scaleFactor});
+    fixed(width).deltaWin2.columns({pSrc, pDst, dstStep, width, height, deltaMode}, {pVal}, {scaleFactor});
     return StsNoErr;
 }
 
@@ -163,7 +174,7 @@ Status lyrsDeltaDeltaMul_Win1_16s_D2Sfs(const Elem16s* pSrc, const Elem16s* pVal
 {
     LYR_CHECK(pointers(pSrc, pVal, pDst), frames(width, height, deltaMode), columns(3, width, dstStep),
               history(3, height, deltaMode));
-    kernels.fixed.deltaDeltaWin1.columns({pSrc, pDst, dstStep, width, height, deltaMode}, {pVal}, {scaleFactor});
+    fixed(width).deltaDeltaWin1.columns({pSrc, pDst, dstStep, width, height, deltaMode}, {pVal}, {scaleFactor});
     return StsNoErr;
 }
 
@@ -172,6 +183,6 @@ Status lyrsDeltaDeltaMul_Win2_16s_D2Sfs(const Elem16s* pSrc, const Elem16s* pVal
 {
     LYR_CHECK(pointers(pSrc, pVal, pDst), frames(width, height, deltaMode), columns(3, width, dstStep),
               history(6, height, deltaMode));
-    kernels.fixed.deltaDeltaWin2.columns({pSrc, pDst, dstStep, width, height, deltaMode}, {pVal}, {scaleFactor});
+    fixed(width).deltaDeltaWin2.columns({pSrc, pDst, dstStep, width, height, deltaMode}, {pVal}, {scaleFactor});
     return StsNoErr;
 }

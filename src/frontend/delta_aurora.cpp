@@ -10,7 +10,9 @@ using lyr::auroraStatics;
 
 namespace {
 
-const lyr::AuroraDeltaKernels kernels = LYR_SELECT_KERNELS(auroraDeltaKernels);
+const lyr::AuroraForms<lyr::SingleArithmetic> single = LYR_SELECT_KERNELS_UP_TO_256(auroraDeltaKernels).single;
+// 13 elements of 16 bits are narrow rows.
+const lyr::AuroraForms<lyr::AuroraFixedArithmetic>& fixed = lyr::w128::auroraDeltaKernels.fixed;
 
 } // namespace
 
@@ -19,7 +21,7 @@ Status lyrsDeltaDelta_Aurora_32f_D2(const Elem32f* pSrc, Elem32f* pDst, Elem32s 
 {
     LYR_CHECK(pointers(pSrc, pDst), frames(auroraStatics, height, deltaMode), columns(3, auroraStatics, dstStep),
               history(8, height, deltaMode));
-    kernels.single.plain({pSrc, pDst, dstStep, auroraStatics, height, deltaMode}, {}, {});
+    single.plain({pSrc, pDst, dstStep, auroraStatics, height, deltaMode}, {}, {});
     return StsNoErr;
 }
 
@@ -28,7 +30,7 @@ Status lyrsDeltaDelta_Aurora_16s_D2Sfs(const Elem16s* pSrc, Elem16s* pDst, Elem3
 {
     LYR_CHECK(pointers(pSrc, pDst), frames(auroraStatics, height, deltaMode), columns(3, auroraStatics, dstStep),
               history(8, height, deltaMode));
-    kernels.fixed.plain({pSrc, pDst, dstStep, auroraStatics, height, deltaMode}, {}, {scaleFactor});
+    fixed.plain({pSrc, pDst, dstStep, auroraStatics, height, deltaMode}, {}, {scaleFactor});
     return StsNoErr;
 }
 
@@ -37,7 +39,7 @@ Status lyrsDeltaDeltaMul_Aurora_32f_D2(const Elem32f* pSrc, const Elem32f* pVal,
 {
     LYR_CHECK(pointers(pSrc, pVal, pDst), frames(auroraStatics, height, deltaMode), columns(3, auroraStatics, dstStep),
               history(8, height, deltaMode));
-    kernels.single.columns({pSrc, pDst, dstStep, auroraStatics, height, deltaMode}, {pVal}, {});
+    single.columns({pSrc, pDst, dstStep, auroraStatics, height, deltaMode}, {pVal}, {});
     return StsNoErr;
 }
 
@@ -46,6 +48,6 @@ Status lyrsDeltaDeltaMul_Aurora_16s_D2Sfs(const Elem16s* pSrc, const Elem16s* pV
 {
     LYR_CHECK(pointers(pSrc, pVal, pDst), frames(auroraStatics, height, deltaMode), columns(3, auroraStatics, dstStep),
               history(8, height, deltaMode));
-    kernels.fixed.columns({pSrc, pDst, dstStep, auroraStatics, height, deltaMode}, {pVal}, {scaleFactor});
+    fixed.columns({pSrc, pDst, dstStep, auroraStatics, height, deltaMode}, {pVal}, {scaleFactor});
     return StsNoErr;
 }

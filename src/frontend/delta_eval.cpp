@@ -7,7 +7,13 @@
 
 namespace {
 
-const lyr::EvalDeltaKernels kernels = LYR_SELECT_KERNELS(evalDeltaKernels);
+const lyr::EvalDeltaKernels wide = LYR_SELECT_KERNELS_UP_TO_256(evalDeltaKernels);
+
+template <class T>
+const lyr::EvalDeltaKernels& kernels(Elem32s width)
+{
+    return lyr::isNarrow<T>(width) ? lyr::w128::evalDeltaKernels : wide;
+}
 
 Status window(Elem32s height, Elem32s width, Elem32s offset, Elem32s wndSize)
 {
@@ -27,7 +33,7 @@ Status lyrsEvalDelta_32f_D2(Elem32f* pSrcDst, Elem32s height, Elem32s step, Elem
                             Elem32s wndSize, Elem32f val)
 {
     LYR_CHECK(pointers(pSrcDst), window(height, width, offset, wndSize), columns(offset, width, step));
-    kernels.single({pSrcDst + offset, step, height, width, wndSize}, {val, 0}, {});
+    kernels<Elem32f>(width).single({pSrcDst + offset, step, height, width, wndSize}, {val, 0}, {});
     return StsNoErr;
 }
 
@@ -35,7 +41,7 @@ Status lyrsEvalDelta_16s_D2Sfs(Elem16s* pSrcDst, Elem32s height, Elem32s step, E
                                Elem32s wndSize, Elem16s val, Elem32s scaleFactor)
 {
     LYR_CHECK(pointers(pSrcDst), window(height, width, offset, wndSize), columns(offset, width, step));
-    kernels.fixed({pSrcDst + offset, step, height, width, wndSize}, {val, 0}, {scaleFactor});
+    kernels<Elem16s>(width).fixed({pSrcDst + offset, step, height, width, wndSize}, {val, 0}, {scaleFactor});
     return StsNoErr;
 }
 
@@ -45,7 +51,7 @@ Status lyrsEvalDeltaMul_32f_D2(Elem32f* pSrcDst, Elem32s height, Elem32s step, c
                                Elem32s offset, Elem32s wndSize)
 {
     LYR_CHECK(pointers(pSrcDst, pVal), window(height, width, offset, wndSize), columns(offset, width, step));
-    kernels.singleMul({pSrcDst + offset, step, height, width, wndSize}, {pVal}, {});
+    kernels<Elem32f>(width).singleMul({pSrcDst + offset, step, height, width, wndSize}, {pVal}, {});
     return StsNoErr;
 }
 
@@ -53,6 +59,6 @@ Status lyrsEvalDeltaMul_16s_D2Sfs(Elem16s* pSrcDst, Elem32s height, Elem32s step
                                   Elem32s offset, Elem32s wndSize, Elem32s scaleFactor)
 {
     LYR_CHECK(pointers(pSrcDst, pVal), window(height, width, offset, wndSize), columns(offset, width, step));
-    kernels.fixedMul({pSrcDst + offset, step, height, width, wndSize}, {pVal}, {scaleFactor});
+    kernels<Elem16s>(width).fixedMul({pSrcDst + offset, step, height, width, wndSize}, {pVal}, {scaleFactor});
     return StsNoErr;
 }

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "frame/select.hpp"
-#include "frontend/delta_stream.hpp"
+#include "frontend/delta_kernels.hpp"
 #include "lyrsr.h"
 
 #include <cstddef>

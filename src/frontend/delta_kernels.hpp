@@ -36,4 +36,12 @@ struct DeltaKernels
 
 LYR_DECLARE_KERNELS(DeltaKernels, deltaKernels)
 
+// Rows narrower than the widest vectors that these families use go to the 128-bit kernels at any width: masked stores,
+// and loads of what they stored, cost more than narrow vectors do.
+template <class T>
+constexpr bool isNarrow(Elem32s width)
+{
+    return static_cast<std::size_t>(width) < 32 / sizeof(T);
+}
+
 } // namespace lyr

@@ -24,17 +24,23 @@ struct PartVector
     LYR_INLINE void store(T* p, VectorOf<T> v) const { storeTail(p, v, count); }
 };
 
-// body(c, access) for the columns from c on, a vector at a time.
+// body(c, access) for the columns from c on, a vector at a time. The last vector of a row wider than one begins early
+// enough to be whole: what it shares with the one before is computed twice, to the same bits, as no result is an
+// operand.
 template <class T, class Body>
 LYR_INLINE void overColumns(Elem32s width, Body body)
 {
     constexpr int L = lanes<VectorOf<T>>;
+    if (width < L) {
+        body(std::ptrdiff_t{0}, PartVector<T>{width});
+        return;
+    }
     std::ptrdiff_t c = 0;
     for (; c + L <= width; c += L) {
         body(c, WholeVector<T>{});
     }
-    if (const int rest = static_cast<int>(width - c); rest != 0) {
-        body(c, PartVector<T>{rest});
+    if (c < width) {
+        body(std::ptrdiff_t{width} - L, WholeVector<T>{});
     }
 }
 
@@ -97,16 +103,24 @@ LYR_INLINE void advance(Elem32s height, Elem32s mode, Statics statics, Delta del
     constexpr int longest = DeltaDeltaLag > DeltaLag ? DeltaDeltaLag : DeltaLag;
     const std::ptrdiff_t stop = rows + ((mode & DeltaEnd) != 0 ? longest : 0);
     const auto exists = [rows](std::ptrdiff_t r) { return r >= 0 && r < rows; };
-    for (std::ptrdiff_t n = first; n < stop; ++n) {
-        if (n < rows) {
-            statics(n, n - first);
+    // A few rows of one kind before those of the next, which read them: a row just written would have to come through
+    // the store buffer, in other pieces than it went in.
+    constexpr std::ptrdiff_t atOnce = 16;
+    for (std::ptrdiff_t n = first; n < stop; n += atOnce) {
+        const std::ptrdiff_t end = n + atOnce < stop ? n + atOnce : stop;
+        for (std::ptrdiff_t r = n; r < end && r < rows; ++r) {
+            statics(r, r - first);
         }
-        if (exists(n - DeltaLag)) {
-            delta(n - DeltaLag, rows - 1);
+        for (std::ptrdiff_t r = n - DeltaLag; r < end - DeltaLag; ++r) {
+            if (exists(r)) {
+                delta(r, rows - 1);
+            }
         }
         if constexpr (DeltaDeltaLag > 0) {
-            if (exists(n - DeltaDeltaLag)) {
-                deltaDelta(n - DeltaDeltaLag, rows - 1);
+            for (std::ptrdiff_t r = n - DeltaDeltaLag; r < end - DeltaDeltaLag; ++r) {
+                if (exists(r)) {
+                    deltaDelta(r, rows - 1);
+                }
             }
         }
     }
