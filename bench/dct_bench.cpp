@@ -1,0 +1,140 @@
+// The DCT of log energies to cepstra against matrix-vector products of the peers, and delta features against plain
+// loops. Arguments of the DCT are inputs and cepstra, of the deltas columns and frames.
+
+#include "contest.hpp"
+#include "lyrsr.h"
+#include "plain_features.hpp"
+
+#include <numbers>
+
+#if LYRSR_HAVE_OPENBLAS
+#include <cblas.h>
+#endif
+#if LYRSR_HAVE_EIGEN
+#include <Eigen/Core>
+#endif
+
+namespace {
+
+using bench::Contender;
+using bench::contest;
+
+constexpr int callsPerRun = 32;
+
+// `call` for each of a run, so that the way into a contender does not count.
+template <class Call>
+Contender contender(const char* name, Call call, std::function<double()> result)
+{
+    return {name,
+            [call] {
+                for (int i = 0; i < callsPerRun; ++i) {
+                    call();
+                    benchmark::ClobberMemory();
+                }
+            },
+            std::move(result)};
+}
+
+std::vector<float> ramp(int n, double low, double high)
+{
+    std::vector<float> x(static_cast<std::size_t>(n));
+    for (int i = 0; i < n; ++i) {
+        x[static_cast<std::size_t>(i)] = static_cast<float>(low + (high - low) * ((i * 7919) % n) / n);
+    }
+    return x;
+}
+
+// Weighs the outputs differently, so that they cannot stand for each other.
+double fingerprint(const std::vector<float>& y)
+{
+    double sum = 0;
+    for (std::size_t i = 0; i < y.size(); ++i) {
+        sum += static_cast<double>(i % 17 + 1) * static_cast<double>(y[i]);
+    }
+    return sum;
+}
+
+void dct(benchmark::State& state)
+{
+    const int inputs = static_cast<int>(state.range(0));
+    const int cepstra = static_cast<int>(state.range(1));
+    const auto x = ramp(inputs, 2, 12);
+    const auto w = ramp(cepstra, 0.5, 11);
+    std::vector<float> m;
+    for (int i = 1; i <= cepstra; ++i) {
+        for (int j = 0; j < inputs; ++j) {
+            m.push_back(static_cast<float>(std::cos((j + 0.5) * i * std::numbers::pi / inputs)));
+        }
+    }
+    std::vector<float> y(static_cast<std::size_t>(cepstra));
+    DCTLifterState_32f* lifter = nullptr;
+    if (lyrsDCTLifterInitAlloc_Mul_32f(&lifter, inputs, w.data(), cepstra) != StsNoErr) {
+        state.SkipWithError("no state");
+        return;
+    }
+    const auto result = [&y] { return fingerprint(y); };
+    std::vector<Contender> all;
+    all.push_back(contender(
+        "ours", [&] { lyrsDCTLifter_32f(x.data(), y.data(), lifter); }, result));
+    all.push_back(contender(
+        "plain", [&] { plain::liftedProduct(m.data(), w.data(), x.data(), y.data(), cepstra, inputs); }, result));
+#if LYRSR_HAVE_OPENBLAS
+    // The weights go into the matrix: the one thing that this product leaves to do.
+    std::vector<float> weighted = m;
+    for (std::size_t i = 0; i < weighted.size(); ++i) {
+        weighted[i] *= w[i / x.size()];
+    }
+    all.push_back(contender(
+        "openblas",
+        [&] {
+            cblas_sgemv(CblasRowMajor, CblasNoTrans, cepstra, inputs, 1.0F, weighted.data(), inputs, x.data(), 1, 0.0F,
+                        y.data(), 1);
+        },
+        result));
+#endif
+#if LYRSR_HAVE_EIGEN
+    using Rows = Eigen::Matrix<float, Eigen::Dynamic, Eigen::Dynamic, Eigen::RowMajor>;
+    const Rows byRows = Eigen::Map<const Rows>(m.data(), cepstra, inputs);
+    const Eigen::MatrixXf byColumns = byRows;
+    const Eigen::Map<const Eigen::VectorXf> in(x.data(), inputs);
+    const Eigen::Map<const Eigen::VectorXf> weights(w.data(), cepstra);
+    Eigen::Map<Eigen::VectorXf> out(y.data(), cepstra);
+    const auto eigen = [&](const auto& matrix) {
+        out.noalias() = matrix * in;
+        out = out.cwiseProduct(weights);
+    };
+    all.push_back(contender(
+        "eigen_rows", [&] { eigen(byRows); }, result));
+    all.push_back(contender(
+        "eigen_columns", [&] { eigen(byColumns); }, result));
+#endif
+    contest(state, all, 1e-4);
+    lyrsDCTLifterFree_32f(lifter);
+}
+
+void deltas(benchmark::State& state)
+{
+    const int width = static_cast<int>(state.range(0));
+    const int frames = static_cast<int>(state.range(1));
+    const auto x = ramp(width * frames, -10, 10);
+    std::vector<float> y(3 * x.size());
+    const auto result = [&y] { return fingerprint(y); };
+    contest(state,
+            {contender(
+                 "ours",
+                 [&] {
+                     lyrsDeltaDelta_Win2_32f_D2(x.data(), width, y.data(), 3 * width, frames, 0.1F, 0.1F,
+                                                DeltaBegin | DeltaEnd);
+                 },
+                 result),
+             contender(
+                 "plain", [&] { plain::deltaDelta(x.data(), y.data(), width, frames, 0.1F, 0.1F); }, result)},
+            1e-4);
+}
+
+BENCHMARK(dct)->Args({23, 13})->Args({24, 12})->Args({26, 13})->Args({40, 13})->Args({64, 24});
+BENCHMARK(deltas)->Args({13, 8})->Args({13, 300})->Args({12, 300})->Args({39, 300})->Args({16, 300});
+
+} // namespace
+
+BENCHMARK_MAIN();

@@ -1,0 +1,46 @@
+#include "plain_features.hpp"
+
+#include <algorithm>
+
+namespace plain {
+
+void liftedProduct(const float* m, const float* w, const float* x, float* y, int rows, int n)
+{
+    for (int i = 0; i < rows; ++i) {
+        float sum = 0;
+        for (int j = 0; j < n; ++j) {
+            sum += m[i * n + j] * x[j];
+        }
+        y[i] = w[i] * sum;
+    }
+}
+
+namespace {
+
+void differences(const float* from, float* to, int width, int height, int step, float gain)
+{
+    for (int r = 0; r < height; ++r) {
+        const float* p2 = from + std::min(r + 2, height - 1) * step;
+        const float* p1 = from + std::min(r + 1, height - 1) * step;
+        const float* m1 = from + std::max(r - 1, 0) * step;
+        const float* m2 = from + std::max(r - 2, 0) * step;
+        float* out = to + r * step;
+        for (int c = 0; c < width; ++c) {
+            out[c] = (p1[c] - m1[c] + 2 * (p2[c] - m2[c])) * gain;
+        }
+    }
+}
+
+} // namespace
+
+void deltaDelta(const float* frames, float* rows, int width, int height, float gain, float gain2)
+{
+    const int step = 3 * width;
+    for (int r = 0; r < height; ++r) {
+        std::copy_n(frames + r * width, width, rows + r * step);
+    }
+    differences(rows, rows + width, width, height, step, gain);
+    differences(rows + width, rows + 2 * width, width, height, step, gain2);
+}
+
+} // namespace plain
