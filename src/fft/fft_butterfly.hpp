@@ -23,6 +23,12 @@ LYR_INLINE Complex<V> operator*(Complex<V> a, Complex<V> b)
     return {fusedSub(a.im, b.im, a.re * b.re), fusedAdd(a.re, b.im, a.im * b.re)};
 }
 
+template <class V>
+LYR_INLINE Complex<V> operator*(V a, Complex<V> b)
+{
+    return {a * b.re, a * b.im};
+}
+
 // a * conj(b).
 template <class V>
 LYR_INLINE Complex<V> timesConj(Complex<V> a, Complex<V> b)

@@ -41,7 +41,7 @@ void forwardTransform(const FFTSpec_R_32f& spec, const Plan& plan, const float* 
         float z[32];
         m == 8 ? transformPoints<3, false>(src, z) : transformPoints<4, false>(src, z);
         const Complex<float> first = loadPairs<float>(z);
-        recombineInOrder<1, false>(z, 0, z, m, out.u, 0.5F * out.norm);
+        recombineInOrder<1, false>(z, 0, z, m, out.u, out.halfNorm());
         copy(out.at(1), z + 2, 2 * m - 2);
         out.putEnds(first);
     } else {
@@ -52,11 +52,11 @@ void forwardTransform(const FFTSpec_R_32f& spec, const Plan& plan, const float* 
         } else if (plan.splits == 0) {
             largeTransform<V, false>(tables, src, out, work);
         } else {
-            copy(out.dst, src, 2 * m);
-            splitTransform<V, false>(tables, spec.pBlkTwd, 0, out.dst, work);
-            const Complex<float> first = loadPairs<float>(out.dst);
-            recombineInOrder<W, false>(out.dst, 0, out.dst, m, out.u, 0.5F * out.norm);
-            copy(out.at(1), out.dst + 2, 2 * m - 2);
+            copy(out.data(), src, 2 * m);
+            splitTransform<V, false>(tables, spec.pBlkTwd, 0, out.data(), work);
+            const Complex<float> first = loadPairs<float>(out.data());
+            recombineInOrder<W, false>(out.data(), 0, out.data(), m, out.u, out.halfNorm());
+            copy(out.at(1), out.data() + 2, 2 * m - 2);
             out.putEnds(first);
         }
     }
@@ -110,8 +110,8 @@ LYR_INLINE void withLanes(const Plan& plan, Run run)
 void forward(const FFTSpec_R_32f& spec, const Elem32f* src, Elem32f* dst, float* work, Layout layout)
 {
     const Plan plan = planOf(spec.order, widest);
-    const Spectrum out{dst, std::ptrdiff_t{1} << spec.order, layout, spec.fwdNorm != 0 ? spec.normFactor : 1.0F,
-                       phasorsAt(spec.pRealRec, plan.logRows)};
+    const Spectrum out(dst, std::ptrdiff_t{1} << spec.order, layout, spec.fwdNorm != 0 ? spec.normFactor : 1.0F,
+                       phasorsAt(spec.pRealRec, plan.logRows));
     withLanes(
         plan, [&](auto lanes) __attribute__((always_inline)) { forwardTransform<lanes>(spec, plan, src, work, out); });
 }

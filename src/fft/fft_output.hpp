@@ -15,23 +15,25 @@ namespace lyr::LYR_NS::fft {
 using lyr::fft::Layout;
 using lyr::fft::Plan;
 
-// The spectrum of N reals: element k stands at 2*k, or one ahead of that in the Pack layout.
-struct Spectrum
+// The spectrum of N reals.
+class Spectrum
 {
-    float* dst;
-    std::ptrdiff_t n;
-    Layout layout;
-    float norm;
-    Phasors u;
+public:
+    LYR_INLINE Spectrum(float* spectrum, std::ptrdiff_t count, Layout order, float norm, Phasors phasors)
+        : u(phasors), dst(spectrum), n(count), scale(0.5F * norm), layout(order), shift(order == Layout::Pack ? 1 : 0)
+    {}
 
-    LYR_INLINE float* at(std::ptrdiff_t k) const { return dst + 2 * k - (layout == Layout::Pack ? 1 : 0); }
+    // Element k stands at 2*k, or one ahead of that in the Pack layout.
+    LYR_INLINE float* at(std::ptrdiff_t k) const { return dst + (2 * k - shift); }
+    [[nodiscard]] LYR_INLINE float* data() const { return dst; }
+    [[nodiscard]] LYR_INLINE float halfNorm() const { return scale; }
 
     // R0 and R(N/2), which are sum and difference of the two parts of the first complex result, and the zeros that go
     // with them.
     LYR_INLINE void putEnds(Complex<float> z) const
     {
-        const float last = norm * (z.re - z.im);
-        dst[0] = norm * (z.re + z.im);
+        const float last = 2.0F * scale * (z.re - z.im);
+        dst[0] = 2.0F * scale * (z.re + z.im);
         switch (layout) {
         case Layout::Pack:
             dst[n - 1] = last;
@@ -47,17 +49,38 @@ struct Spectrum
         }
     }
 
+    // The fine phasors of a row, with the scale in them.
     template <class V>
     LYR_INLINE Complex<V> phasors(std::ptrdiff_t k1) const
     {
-        return loadRow<V>(u.fine + 2 * k1);
+        return all<V>(scale) * loadRow<V>(u.fine + 2 * k1);
     }
 
     template <class V>
     LYR_INLINE void finish(Complex<V>& a, Complex<V>& b, Complex<V> fine, std::ptrdiff_t k2) const
     {
-        recombine<false>(a, b, fine * allOf<V>(u.coarse + 2 * k2), all<V>(0.5F * norm));
+        recombine<false>(a, b, fine * allOf<V>(u.coarse + 2 * k2), all<V>(scale));
     }
+
+    // Where one lane of the fine phasors serves W values k2.
+    template <class V>
+    LYR_INLINE void finishLeads(Complex<V>& a, Complex<V>& b, std::ptrdiff_t k1, std::ptrdiff_t k2) const
+    {
+        constexpr std::ptrdiff_t w = width<V>;
+        const float* const fine = u.fine + 2 * k1;
+        const V scales = all<V>(scale);
+        const Complex<V> turn = {all<V>(fine[0]), all<V>(fine[w])};
+        recombine<false>(a, b, scales * (turn * loadPairs<V>(u.coarse + 2 * k2)), scales);
+    }
+
+    Phasors u;
+
+private:
+    float* dst;
+    std::ptrdiff_t n;
+    float scale;
+    Layout layout;
+    std::ptrdiff_t shift;
 };
 
 // Plain complex results of the forward, or for the inverse of the exchanged, transform.
@@ -87,90 +110,117 @@ struct Points
 // Which row a k2 is in: the rows of a tile are in order, those of a column transform in order of reversed bits.
 struct InOrder
 {
+    template <class V>
+    static LYR_INLINE std::ptrdiff_t count(const Plan& /*plan*/)
+    {
+        return width<V>;
+    }
     LYR_INLINE std::ptrdiff_t operator[](std::ptrdiff_t k2) const { return k2; }
 };
 
 struct BitReversed
 {
     const std::uint32_t* table;
+    template <class V>
+    static LYR_INLINE std::ptrdiff_t count(const Plan& plan)
+    {
+        return static_cast<std::ptrdiff_t>(plan.cols());
+    }
     LYR_INLINE std::ptrdiff_t operator[](std::ptrdiff_t k2) const { return static_cast<std::ptrdiff_t>(table[k2]); }
 };
 
-// Lane 0 of row k2.
-template <class V>
-LYR_INLINE Complex<float> leadOf(const float* block, std::ptrdiff_t row)
+// Lane 0 of the W rows k2, k2 + step, k2 + 2*step, ..., counted modulo C, in the lanes of one vector.
+template <class V, class RowOf>
+LYR_INLINE Complex<V> gatherLeads(const Plan& plan, const float* block, RowOf rowOf, std::ptrdiff_t k2, int step)
 {
-    const float* const p = block + row * rowFloats<V>;
-    return {p[0], p[width<V>]};
+    const std::ptrdiff_t mask = RowOf::template count<V>(plan) - 1;
+    const auto at = [&](int i) __attribute__((always_inline))
+    {
+        return block + rowOf[(k2 + step * i) & mask] * rowFloats<V>;
+    };
+    return [&]<int... I>(std::integer_sequence<int, I...>) __attribute__((always_inline))
+    {
+        return Complex<V>{V{*at(I)...}, V{at(I)[width<V>]...}};
+    }
+    (std::make_integer_sequence<int, width<V>>{});
+}
+
+// Each lane but the first `skipped` to a place of its own: lane i is element k + i*m.
+template <class V, class Output>
+LYR_INLINE void scatter(const Output& out, Complex<V> z, std::ptrdiff_t k, std::ptrdiff_t m, int skipped)
+{
+    float pairs[2 * width<V>];
+    storePairs(pairs, z);
+    for (int i = skipped; i < width<V>; ++i) {
+        __builtin_memcpy(out.at(k + i * m), pairs + std::ptrdiff_t{2} * i, 2 * sizeof(float));
+    }
 }
 
 // The k that pair among themselves: m*k2, and m/2 + m*k2.
 template <class V, class RowOf>
-void finishLeads(const Spectrum& out, const Plan& plan, const float* a, const float* b, RowOf rowOf)
+LYR_INLINE void putLeads(const Spectrum& out, const Plan& plan, const float* a, const float* b, RowOf rowOf)
 {
-    constexpr int w = width<V>;
     const auto m = static_cast<std::ptrdiff_t>(plan.rows());
-    const auto c = static_cast<std::ptrdiff_t>(plan.cols());
-    out.putEnds(leadOf<V>(a, rowOf[0]));
-    for (std::ptrdiff_t k2 = 1; k2 <= c / 2; ++k2) {
-        Complex<float> low = leadOf<V>(a, rowOf[k2]);
-        Complex<float> high = leadOf<V>(a, rowOf[c - k2]);
-        recombine<false>(low, high, phasorAt<w>(out.u, m * k2), 0.5F * out.norm);
-        storePairs(out.at(m * (c - k2)), high);
-        storePairs(out.at(m * k2), low);
+    const std::ptrdiff_t c = RowOf::template count<V>(plan);
+    for (std::ptrdiff_t k2 = 0; k2 < c; k2 += width<V>) {
+        Complex<V> low = gatherLeads<V>(plan, a, rowOf, k2, 1);
+        Complex<V> high = gatherLeads<V>(plan, a, rowOf, c - k2, -1);
+        out.template finishLeads<V>(low, high, 0, k2);
+        scatter(out, low, m * k2, m, k2 == 0 ? 1 : 0);
+        low = gatherLeads<V>(plan, b, rowOf, k2, 1);
+        high = gatherLeads<V>(plan, b, rowOf, c - 1 - k2, -1);
+        out.template finishLeads<V>(low, high, m / 2, k2);
+        scatter(out, low, m / 2 + m * k2, m, 0);
     }
-    for (std::ptrdiff_t k2 = 0; k2 < c / 2; ++k2) {
-        Complex<float> low = leadOf<V>(b, rowOf[k2]);
-        Complex<float> high = leadOf<V>(b, rowOf[c - 1 - k2]);
-        recombine<false>(low, high, phasorAt<w>(out.u, m / 2 + m * k2), 0.5F * out.norm);
-        storePairs(out.at(m / 2 + m * k2), low);
-        storePairs(out.at(m / 2 + m * (c - 1 - k2)), high);
-    }
+    const float* const first = a + rowOf[0] * rowFloats<V>;
+    out.putEnds({first[0], first[width<V>]});
 }
 
 template <class V, class RowOf, bool Inverse>
-void finishLeads(const Points<Inverse>& out, const Plan& plan, const float* a, const float* b, RowOf rowOf)
+LYR_INLINE void putLeads(const Points<Inverse>& out, const Plan& plan, const float* a, const float* b, RowOf rowOf)
 {
     const auto m = static_cast<std::ptrdiff_t>(plan.rows());
-    for (std::ptrdiff_t k2 = 0; k2 < static_cast<std::ptrdiff_t>(plan.cols()); ++k2) {
-        Complex<float> low = leadOf<V>(a, rowOf[k2]);
-        Complex<float> high = leadOf<V>(b, rowOf[k2]);
+    const std::ptrdiff_t c = RowOf::template count<V>(plan);
+    for (std::ptrdiff_t k2 = 0; k2 < c; k2 += width<V>) {
+        Complex<V> low = gatherLeads<V>(plan, a, rowOf, k2, 1);
+        Complex<V> high = gatherLeads<V>(plan, b, rowOf, k2, 1);
         out.finish(low, high, low, k2);
-        storePairs(out.at(m * k2), low);
-        storePairs(out.at(m / 2 + m * k2), high);
+        scatter(out, low, m * k2, m, 0);
+        scatter(out, high, m / 2 + m * k2, m, 0);
     }
 }
 
-// A pair of blocks, of the frequencies from b = k1 on, to its place.
+// A pair of blocks, of the frequencies from k1 on, to its place.
 template <class V, class Output, class RowOf>
-LYR_INLINE void putBlocks(const Output& out, const Plan& plan, std::ptrdiff_t k1, const float* a, const float* b,
-                          RowOf rowOf)
+LYR_INLINE void putBlocks(Output out, const Plan& plan, std::ptrdiff_t k1, const float* a, const float* b, RowOf rowOf)
 {
     constexpr std::ptrdiff_t w = width<V>;
     const auto m = static_cast<std::ptrdiff_t>(plan.rows());
-    const auto c = static_cast<std::ptrdiff_t>(plan.cols());
+    const std::ptrdiff_t c = RowOf::template count<V>(plan);
     const Complex<V> fine = out.template phasors<V>(k1);
-    for (std::ptrdiff_t k2 = 0; k2 < c; ++k2) {
+    std::ptrdiff_t k2 = 0;
+    if (k1 == 0) {
+        // What lanes 0 of the first pair leave behind is overwritten afterwards, but in these two rows it has no place
+        // at all: ahead of the vector and behind its end.
+        Complex<V> low = loadRow<V>(a + rowOf[0] * rowFloats<V>);
+        Complex<V> high = loadRow<V>(b + rowOf[c - 1] * rowFloats<V>);
+        out.template finish<V>(low, high, fine, 0);
+        float pairs[2 * w];
+        storePairs(pairs, low);
+        __builtin_memcpy(out.at(1), pairs + 2, static_cast<std::size_t>(2 * w - 2) * sizeof(float));
+        storePairsReversed(pairs, high);
+        __builtin_memcpy(out.at(m * c - w + 1), pairs, static_cast<std::size_t>(2 * w - 2) * sizeof(float));
+        k2 = 1;
+    }
+    for (; k2 < c; ++k2) {
         Complex<V> low = loadRow<V>(a + rowOf[k2] * rowFloats<V>);
         Complex<V> high = loadRow<V>(b + rowOf[c - 1 - k2] * rowFloats<V>);
         out.template finish<V>(low, high, fine, k2);
-        float* const lowAt = out.at(k1 + m * k2);
-        float* const highAt = out.at(m - k1 - w + 1 + m * (c - 1 - k2));
-        if (k1 == 0 && k2 == 0) {
-            // What lanes 0 of the first pair leave behind is overwritten afterwards, but in these two rows it has no place
-            // at all: ahead of the vector and behind its end.
-            float lanes[4 * w];
-            storePairs(lanes, low);
-            storePairsReversed(lanes + 2 * w, high);
-            __builtin_memcpy(lowAt + 2, lanes + 2, static_cast<std::size_t>(2 * w - 2) * sizeof(float));
-            __builtin_memcpy(highAt, lanes + 2 * w, static_cast<std::size_t>(2 * w - 2) * sizeof(float));
-        } else {
-            storePairs(lowAt, low);
-            storePairsReversed(highAt, high);
-        }
+        storePairs(out.at(k1 + m * k2), low);
+        storePairsReversed(out.at(m - k1 - w + 1 + m * (c - 1 - k2)), high);
     }
     if (k1 == 0) {
-        finishLeads<V>(out, plan, a, b, rowOf);
+        putLeads<V>(out, plan, a, b, rowOf);
     }
 }
 

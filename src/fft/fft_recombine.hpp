@@ -16,14 +16,15 @@ namespace lyr::LYR_NS::fft {
 
 using lyr::fft::Phasors;
 
+// `low` and `high` are z[k] and z[M-k] and become X[k] and X[M-k], times twice `scale`; u comes multiplied by it.
 template <bool Inverse, class V>
 LYR_INLINE void recombine(Complex<V>& low, Complex<V>& high, Complex<V> u, V scale)
 {
     const Complex<V> s = low + conj(high);
     const Complex<V> d = low - conj(high);
     const Complex<V> t = Inverse ? timesConj(d, u) : d * u;
-    low = {scale * (s.re + t.re), scale * (s.im + t.im)};
-    high = {scale * (s.re - t.re), scale * (t.im - s.im)};
+    low = {fusedAdd(scale, s.re, t.re), fusedAdd(scale, s.im, t.im)};
+    high = {fusedAdd(scale, s.re, -t.re), fusedSub(scale, s.im, t.im)};
 }
 
 // u[k] for any one k.
@@ -67,7 +68,7 @@ void recombineInOrder(const float* src, std::ptrdiff_t shift, float* dst, std::p
     }
     Complex<V> next = loadPairs<V>(at(W));
     for (int k = 1; k < W; ++k) {
-        recombine<Inverse>(low[k], high[k], phasorAt<W>(u, k), scale);
+        recombine<Inverse>(low[k], high[k], scale * phasorAt<W>(u, k), scale);
         storePairs(dst + 2 * k, low[k]);
         storePairs(dst + 2 * (m - k), high[k]);
     }
@@ -76,11 +77,11 @@ void recombineInOrder(const float* src, std::ptrdiff_t shift, float* dst, std::p
         Complex<V> a = next;
         Complex<V> b = loadPairsReversed<V>(at(m - k - W + 1));
         next = loadPairs<V>(at(k + W < m / 2 ? k + W : k));
-        recombine<Inverse>(a, b, phasorsFrom<V>(u, k), scales);
+        recombine<Inverse>(a, b, scales * phasorsFrom<V>(u, k), scales);
         storePairs(dst + 2 * k, a);
         storePairsReversed(dst + 2 * (m - k - W + 1), b);
     }
-    recombine<Inverse>(middle, middleTwin, phasorAt<W>(u, m / 2), scale);
+    recombine<Inverse>(middle, middleTwin, scale * phasorAt<W>(u, m / 2), scale);
     storePairs(dst + m, middle);
 }
 
