@@ -78,6 +78,12 @@ void smallTransform(const Tables& t, Source source, const Output& out, float* wo
     constexpr int bits = w == 16 ? 4 : (w == 8 ? 3 : 2);
     const auto m = static_cast<std::ptrdiff_t>(t.plan.rows());
     transformColumns<V>(source, work, t.plan.logRows, t.rows);
+    if (m == w) {
+        Complex<V> z[w];
+        loadTile<1>(z, t, work, 0, 0, 0);
+        butterfly<bits>(z);
+        return putTile<V>(out, z);
+    }
     for (std::ptrdiff_t k1 = 0; k1 < m / 2; k1 += w) {
         alignas(64) float a[w * 2 * w];
         alignas(64) float b[w * 2 * w];

@@ -11,19 +11,18 @@ using lyr::fft::planOf;
 
 constexpr int widest = vectorBytes / 4;
 
-// M of 8 and 16: all in registers, the same butterflies on single numbers.
-template <int Bits, bool Inverse>
+// M = 8: all in registers, the same butterfly on single numbers.
+template <bool Inverse>
 LYR_INLINE void transformPoints(const float* src, float* dst)
 {
-    Complex<float> z[1 << Bits];
-    unroll<1 << Bits>([&](auto i) __attribute__((always_inline)) {
+    Complex<float> z[8];
+    unroll<8>([&](auto i) __attribute__((always_inline)) {
         z[i] = loadPairs<float>(src + 2 * i);
         z[i] = Inverse ? swapParts(z[i]) : z[i];
     });
-    butterfly<Bits>(z);
-    unroll<1 << Bits>([&](auto i) __attribute__((always_inline)) {
-        storePairs(dst + 2 * i, Inverse ? swapParts(z[i]) : z[i]);
-    });
+    butterfly<3>(z);
+    unroll<8>([&](auto i)
+                  __attribute__((always_inline)) { storePairs(dst + 2 * i, Inverse ? swapParts(z[i]) : z[i]); });
 }
 
 void copy(float* dst, const float* src, std::ptrdiff_t count)
@@ -38,8 +37,8 @@ void forwardTransform(const FFTSpec_R_32f& spec, const Plan& plan, const float* 
 {
     const auto m = static_cast<std::ptrdiff_t>(plan.length());
     if constexpr (W == 1) {
-        float z[32];
-        m == 8 ? transformPoints<3, false>(src, z) : transformPoints<4, false>(src, z);
+        float z[16];
+        transformPoints<false>(src, z);
         const Complex<float> first = loadPairs<float>(z);
         recombineInOrder<1, false>(z, 0, z, m, out.u, out.halfNorm());
         copy(out.at(1), z + 2, 2 * m - 2);
@@ -73,7 +72,7 @@ void inverseTransform(const FFTSpec_R_32f& spec, const Plan& plan, const float* 
     dst[0] = norm * (first + last);
     dst[1] = norm * (first - last);
     if constexpr (W == 1) {
-        m == 8 ? transformPoints<3, true>(dst, dst) : transformPoints<4, true>(dst, dst);
+        transformPoints<true>(dst, dst);
     } else {
         using V = Vec<W>;
         const Tables tables = tablesOf(spec, plan);

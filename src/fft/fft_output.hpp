@@ -164,11 +164,14 @@ LYR_INLINE void putLeads(const Spectrum& out, const Plan& plan, const float* a, 
     const std::ptrdiff_t c = RowOf::template count<V>(plan);
     for (std::ptrdiff_t k2 = 0; k2 < c; k2 += width<V>) {
         Complex<V> low = gatherLeads<V>(plan, a, rowOf, k2, 1);
-        Complex<V> high = gatherLeads<V>(plan, a, rowOf, c - k2, -1);
+        Complex<V> high = c == width<V>
+                              ? Complex<V>{shuffle<Mirrored>(low.re, low.re), shuffle<Mirrored>(low.im, low.im)}
+                              : gatherLeads<V>(plan, a, rowOf, c - k2, -1);
         out.template finishLeads<V>(low, high, 0, k2);
         scatter(out, low, m * k2, m, k2 == 0 ? 1 : 0);
         low = gatherLeads<V>(plan, b, rowOf, k2, 1);
-        high = gatherLeads<V>(plan, b, rowOf, c - 1 - k2, -1);
+        high = c == width<V> ? Complex<V>{shuffle<Backwards>(low.re, low.re), shuffle<Backwards>(low.im, low.im)}
+                             : gatherLeads<V>(plan, b, rowOf, c - 1 - k2, -1);
         out.template finishLeads<V>(low, high, m / 2, k2);
         scatter(out, low, m / 2 + m * k2, m, 0);
     }
@@ -222,6 +225,41 @@ LYR_INLINE void putBlocks(Output out, const Plan& plan, std::ptrdiff_t k1, const
     if (k1 == 0) {
         putLeads<V>(out, plan, a, b, rowOf);
     }
+}
+
+// The one tile of m = C = W: row k2 holds all k1, and lane k1 of it pairs with lane W - k1 of row W - 1 - k2, but lane
+// 0 with that of row W - k2.
+template <class V>
+LYR_INLINE void putTile(Spectrum out, const Complex<V> (&z)[width<V>])
+{
+    constexpr int w = width<V>;
+    const Complex<V> fine = out.phasors<V>(0);
+    unroll<w>([&](auto k2) __attribute__((always_inline)) {
+        constexpr int row = w - 1 - k2;
+        constexpr int leadRow = (w - k2) % w;
+        Complex<V> low = z[k2];
+        Complex<V> high = {shuffle<Mirrored>(z[row].re, z[leadRow].re), shuffle<Mirrored>(z[row].im, z[leadRow].im)};
+        out.finish(low, high, fine, k2);
+        if constexpr (k2 == 0) {
+            float pairs[2 * w];
+            storePairs(pairs, low);
+            __builtin_memcpy(out.at(1), pairs + 2, (2 * w - 2) * sizeof(float));
+        } else {
+            storePairs(out.at(std::ptrdiff_t{w} * k2), low);
+        }
+    });
+    out.putEnds({z[0].re[0], z[0].im[0]});
+}
+
+template <class V, bool Inverse>
+LYR_INLINE void putTile(Points<Inverse> out, const Complex<V> (&z)[width<V>])
+{
+    unroll<width<V>>([&](auto k2) __attribute__((always_inline)) {
+        Complex<V> low = z[k2];
+        Complex<V> high = low;
+        out.finish(low, high, low, k2);
+        storePairs(out.at(std::ptrdiff_t{width<V>} * k2), low);
+    });
 }
 
 } // namespace lyr::LYR_NS::fft

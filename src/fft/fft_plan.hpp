@@ -48,15 +48,16 @@ struct Plan
     [[nodiscard]] LYR_INLINE constexpr std::size_t strips() const { return cols() / static_cast<std::size_t>(lanes); }
 };
 
-// The recombination pairs the tile of k1 with that of m - k1, so that there are at least two tiles: M >= 2*W*W.
+// A tile takes W rows: M >= W*W. With M = W*W there is one tile, whose lanes are paired among themselves; else the
+// recombination pairs the tile of k1 with that of m - k1.
 LYR_INLINE constexpr Plan planOf(int order, int widest)
 {
     const int logM = order - 1;
     int logLanes = widest >= 16 ? 4 : (widest >= 8 ? 3 : 2);
-    while (logLanes > 2 && 2 * logLanes + 1 > logM) {
+    while (logLanes > 2 && 2 * logLanes > logM) {
         --logLanes;
     }
-    if (2 * logLanes + 1 > logM) {
+    if (2 * logLanes > logM) {
         return {1, logM, logM, 0, 0};
     }
     if (logM < largeFrom) {

@@ -136,6 +136,9 @@ struct InterleaveLow { static consteval int at(int i, int w) { return i / 2 + (i
 struct InterleaveHigh { static consteval int at(int i, int w) { return (w + i) / 2 + (i % 2) * w; } };
 struct ReversedLow { static consteval int at(int i, int w) { return w - 1 - i / 2 + (i % 2) * w; } };
 struct ReversedHigh { static consteval int at(int i, int w) { return w / 2 - 1 - i / 2 + (i % 2) * w; } };
+// The lanes of a in the order 0, W-1, W-2, ..., 1, with lane 0 from b.
+struct Mirrored { static consteval int at(int i, int w) { return i == 0 ? w : w - i; } };
+struct Backwards { static consteval int at(int i, int w) { return w - 1 - i; } };
 struct EvenReversed { static consteval int at(int i, int w) { return 2 * (w - 1 - i); } };
 struct OddReversed { static consteval int at(int i, int w) { return 2 * (w - 1 - i) + 1; } };
 // Within each 128 bits, and then these as units.
