@@ -322,7 +322,7 @@ void compareFrames(const FramesMember<T>& member)
         const auto m = random.vector<T>(width, -4, 4);
         const auto v = random.vector<T>(width, T(0.25), 4);
         const T gconst = random.uniform<T>(-50, 50);
-        for (const std::size_t height : {1, 2, 3, 4, 5, 7, 8, 9}) {
+        for (const std::size_t height : std::initializer_list<std::size_t>{1, 2, 3, 4, 5, 7, 8, 9}) {
             for (const std::size_t step : {width, width + 1, (width + 2 * unit - 1) / (2 * unit) * 2 * unit}) {
                 const std::size_t count = (height - 1) * step + width;
                 for (const Offsets& at : places<T>(count, width)) {
