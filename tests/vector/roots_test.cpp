@@ -333,6 +333,22 @@ TEST(VectorReciprocal, MatchesOracle)
     }
 }
 
+TEST(VectorReciprocal, EveryMagnitude)
+{
+    std::vector<float> x;
+    for (int e = -149; e <= 127; ++e) {
+        x.insert(x.end(), {std::ldexp(1.0F, e), -std::ldexp(1.37F, e), std::ldexp(1.99F, e)});
+    }
+    const Guarded<float> src(x, 0);
+    std::vector<float> y(x.size());
+    Status status = StsNoErr;
+    lyr::lyrsReciprocal_32f(src.data(), y.data(), static_cast<Elem32s>(x.size()), &status);
+    EXPECT_EQ(status, StsNoErr);
+    for (std::size_t i = 0; i < x.size(); ++i) {
+        ASSERT_TRUE(nearReciprocal(y[i], 1.0F / x[i])) << x[i];
+    }
+}
+
 TEST(VectorReciprocal, InvalidOperations)
 {
     const auto defaultNan = std::bit_cast<float>(0xFFC00000U);
