@@ -52,8 +52,9 @@ TEST(Layout, BlockRowsAndAlignment)
     EXPECT_TRUE((Block<const Elem16s>{shorts, 16}.isAligned(2)));
     // A stride times a row number beyond 32 bits: the address is formed in the width of a pointer.
     if constexpr (sizeof(void*) == 8) {
-        const Block<Elem8u> far{reinterpret_cast<Elem8u*>(std::uintptr_t{0x100000000}), INT32_MAX};
-        EXPECT_EQ(reinterpret_cast<std::uintptr_t>(far.row(3)), 0x100000000U + 3 * std::uintptr_t{INT32_MAX});
+        constexpr auto start = static_cast<std::uintptr_t>(0x100000000ULL);
+        const Block<Elem8u> far{reinterpret_cast<Elem8u*>(start), INT32_MAX};
+        EXPECT_EQ(reinterpret_cast<std::uintptr_t>(far.row(3)), start + 3 * std::uintptr_t{INT32_MAX});
     }
 }
 
