@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <type_traits>
 
 namespace lyr {
 
@@ -33,6 +34,8 @@ struct Block
     std::ptrdiff_t step;
 
     LYR_INLINE T* row(std::ptrdiff_t r) const { return first + r * step; }
+    // The rows from r on.
+    LYR_INLINE Block from(std::ptrdiff_t r) const { return {row(r), step}; }
 
     // Aligned rows: the first one, and a stride that is a multiple of `unit` elements (those of 16 bytes unless the
     // family demands more).
@@ -51,12 +54,18 @@ struct Table
     T* const* rows;
 
     LYR_INLINE T* row(std::ptrdiff_t r) const { return rows[r]; }
+    // The rows from r on.
+    LYR_INLINE Table from(std::ptrdiff_t r) const { return {rows + r}; }
 
     LYR_INLINE bool isAligned(Elem32s height, std::ptrdiff_t /*unit*/ = 0) const
     {
         return RowMatrAlErr(reinterpret_cast<const void* const*>(rows), height) == 0;
     }
 };
+
+// The plain element type of a layout, without its const.
+template <class Rows>
+using ElementOf = std::remove_const_t<typename Rows::Element>;
 
 template <class T>
 Block(T*, Elem32s) -> Block<T>;

@@ -5,8 +5,9 @@
 // lanes that may leave their range are U32, U64, U16: signed ones may not overflow here any more than elsewhere.
 //
 // A load or store names its alignment: Aligned (the 16-byte rule of the interface) or Unaligned. A tail of n elements,
-// 1 <= n < lanes, comes with loadTail: the lanes beyond are zero and no byte past the end is read, save in the aligned
-// 128-bit form, whose load ends inside the 16-byte unit of the last element and so can touch no new page.
+// 1 <= n < lanes (from 256 bits on also n = lanes), comes with loadTail: the lanes beyond are zero and no byte past the
+// end is read, save in the aligned 128-bit form, whose load ends inside the 16-byte unit of the last element and so can
+// touch no new page.
 #pragma once
 
 #include "frame/masks.hpp"
@@ -85,10 +86,14 @@ struct VectorOfElement<std::uint8_t>
 template <class T>
 using VectorOf = typename VectorOfElement<T>::type;
 
-struct Aligned
-{};
 struct Unaligned
 {};
+#if LYR_WIDTH == 128
+struct Aligned
+{};
+#else
+using Aligned = Unaligned; // 16 bytes say nothing about a wider load, and the two kernels of a pair become one
+#endif
 
 // Same bits, another type of the same size.
 template <class To, class From>
@@ -160,14 +165,14 @@ template <class A, class T>
 LYR_INLINE VectorOf<T> load(const T* p)
 {
     VectorOf<T> v;
-    std::memcpy(&v, __is_same(A, Aligned) ? __builtin_assume_aligned(p, 16) : p, sizeof v);
+    std::memcpy(&v, LYR_WIDTH == 128 && __is_same(A, Aligned) ? __builtin_assume_aligned(p, 16) : p, sizeof v);
     return v;
 }
 
 template <class A, class T>
 LYR_INLINE void store(T* p, VectorOf<T> v)
 {
-    std::memcpy(__is_same(A, Aligned) ? __builtin_assume_aligned(p, 16) : p, &v, sizeof v);
+    std::memcpy(LYR_WIDTH == 128 && __is_same(A, Aligned) ? __builtin_assume_aligned(p, 16) : p, &v, sizeof v);
 }
 
 // -------------------------------------------------------------------------------------------------------------- tails
@@ -502,6 +507,72 @@ LYR_INLINE void storeNarrowTail(float* p, F64 v, int n)
 }
 #endif
 
+// The lower and the upper half of the lanes, each at twice the width, and two vectors of doubles as one of singles.
+#if LYR_WIDTH == 128
+LYR_INLINE F64 widenLower(F32 v)
+{
+    return _mm_cvtps_pd(v);
+}
+LYR_INLINE F64 widenUpper(F32 v)
+{
+    return _mm_cvtps_pd(_mm_movehl_ps(v, v));
+}
+LYR_INLINE I64 widenLower(I32 v)
+{
+    return as<I64>(_mm_unpacklo_epi32(as<__m128i>(v), as<__m128i>(v < 0)));
+}
+LYR_INLINE I64 widenUpper(I32 v)
+{
+    return as<I64>(_mm_unpackhi_epi32(as<__m128i>(v), as<__m128i>(v < 0)));
+}
+LYR_INLINE F32 narrow(F64 lower, F64 upper)
+{
+    return _mm_movelh_ps(_mm_cvtpd_ps(lower), _mm_cvtpd_ps(upper));
+}
+#elif LYR_WIDTH == 256
+LYR_INLINE F64 widenLower(F32 v)
+{
+    return _mm256_cvtps_pd(_mm256_castps256_ps128(v));
+}
+LYR_INLINE F64 widenUpper(F32 v)
+{
+    return _mm256_cvtps_pd(_mm256_extractf128_ps(v, 1));
+}
+LYR_INLINE I64 widenLower(I32 v)
+{
+    return as<I64>(_mm256_cvtepi32_epi64(_mm256_castsi256_si128(as<__m256i>(v))));
+}
+LYR_INLINE I64 widenUpper(I32 v)
+{
+    return as<I64>(_mm256_cvtepi32_epi64(_mm256_extracti128_si256(as<__m256i>(v), 1)));
+}
+LYR_INLINE F32 narrow(F64 lower, F64 upper)
+{
+    return _mm256_insertf128_ps(_mm256_castps128_ps256(_mm256_cvtpd_ps(lower)), _mm256_cvtpd_ps(upper), 1);
+}
+#else
+LYR_INLINE F64 widenLower(F32 v)
+{
+    return _mm512_cvtps_pd(_mm512_castps512_ps256(v));
+}
+LYR_INLINE F64 widenUpper(F32 v)
+{
+    return _mm512_cvtps_pd(_mm512_extractf32x8_ps(v, 1));
+}
+LYR_INLINE I64 widenLower(I32 v)
+{
+    return as<I64>(_mm512_cvtepi32_epi64(_mm512_castsi512_si256(as<__m512i>(v))));
+}
+LYR_INLINE I64 widenUpper(I32 v)
+{
+    return as<I64>(_mm512_cvtepi32_epi64(_mm512_extracti32x8_epi32(as<__m512i>(v), 1)));
+}
+LYR_INLINE F32 narrow(F64 lower, F64 upper)
+{
+    return _mm512_insertf32x8(_mm512_castps256_ps512(_mm512_cvtpd_ps(lower)), _mm512_cvtpd_ps(upper), 1);
+}
+#endif
+
 // --------------------------------------------------------------------------------------------------------- arithmetic
 
 // a * b + c and c - a * b: fused where the processor has it. For sums whose order and roundings are free, and only
@@ -811,11 +882,95 @@ LYR_INLINE __m128 sumEach(F32 a, F32 b, F32 c, F32 d)
     return _mm_add_ps(_mm_add_ps(r0, r1), _mm_add_ps(r2, r3));
 }
 
-LYR_INLINE __m128d sumEach(F64 a, F64 b)
+// The sums of as many vectors as one has lanes, in the lanes of one: a transposition by halves, where each step adds
+// what it brings together, costs less than separate sums.
+namespace detail {
+// Neighbouring lanes of 32 or 64 bits of two vectors, inside each 128 bits.
+#if LYR_WIDTH == 128
+LYR_INLINE F32 addPairs(F32 a, F32 b)
 {
-    const __m128d r0 = detail::fold(a);
-    const __m128d r1 = detail::fold(b);
-    return _mm_add_pd(_mm_unpacklo_pd(r0, r1), _mm_unpackhi_pd(r0, r1));
+    return _mm_add_ps(_mm_unpacklo_ps(a, b), _mm_unpackhi_ps(a, b));
+}
+LYR_INLINE F32 addHalves(F32 a, F32 b)
+{
+    return _mm_add_ps(_mm_movelh_ps(a, b), _mm_movehl_ps(b, a));
+}
+LYR_INLINE F64 addPairs(F64 a, F64 b)
+{
+    return _mm_add_pd(_mm_unpacklo_pd(a, b), _mm_unpackhi_pd(a, b));
+}
+// The vectors k, k + stride, ... of v as one vector with 128 bits for each.
+LYR_INLINE F32 gather128(const F32* v, int /*stride*/)
+{
+    return v[0];
+}
+LYR_INLINE F64 gather128(const F64* v, int /*stride*/)
+{
+    return v[0];
+}
+#elif LYR_WIDTH == 256
+LYR_INLINE F32 addPairs(F32 a, F32 b)
+{
+    return _mm256_add_ps(_mm256_unpacklo_ps(a, b), _mm256_unpackhi_ps(a, b));
+}
+LYR_INLINE F32 addHalves(F32 a, F32 b)
+{
+    return _mm256_add_ps(_mm256_shuffle_ps(a, b, 0x44), _mm256_shuffle_ps(a, b, 0xEE));
+}
+LYR_INLINE F64 addPairs(F64 a, F64 b)
+{
+    return _mm256_add_pd(_mm256_unpacklo_pd(a, b), _mm256_unpackhi_pd(a, b));
+}
+LYR_INLINE F32 gather128(const F32* v, int stride)
+{
+    return _mm256_add_ps(_mm256_permute2f128_ps(v[0], v[stride], 0x20), _mm256_permute2f128_ps(v[0], v[stride], 0x31));
+}
+LYR_INLINE F64 gather128(const F64* v, int stride)
+{
+    return _mm256_add_pd(_mm256_permute2f128_pd(v[0], v[stride], 0x20), _mm256_permute2f128_pd(v[0], v[stride], 0x31));
+}
+#else
+LYR_INLINE F32 addPairs(F32 a, F32 b)
+{
+    return _mm512_add_ps(_mm512_unpacklo_ps(a, b), _mm512_unpackhi_ps(a, b));
+}
+LYR_INLINE F32 addHalves(F32 a, F32 b)
+{
+    return _mm512_add_ps(_mm512_shuffle_ps(a, b, 0x44), _mm512_shuffle_ps(a, b, 0xEE));
+}
+LYR_INLINE F64 addPairs(F64 a, F64 b)
+{
+    return _mm512_add_pd(_mm512_unpacklo_pd(a, b), _mm512_unpackhi_pd(a, b));
+}
+LYR_INLINE F32 gather128(const F32* v, int stride)
+{
+    const F32 low =
+        _mm512_add_ps(_mm512_shuffle_f32x4(v[0], v[stride], 0x44), _mm512_shuffle_f32x4(v[0], v[stride], 0xEE));
+    const F32 high = _mm512_add_ps(_mm512_shuffle_f32x4(v[2 * stride], v[3 * stride], 0x44),
+                                   _mm512_shuffle_f32x4(v[2 * stride], v[3 * stride], 0xEE));
+    return _mm512_add_ps(_mm512_shuffle_f32x4(low, high, 0x88), _mm512_shuffle_f32x4(low, high, 0xDD));
+}
+LYR_INLINE F64 gather128(const F64* v, int stride)
+{
+    const F64 low =
+        _mm512_add_pd(_mm512_shuffle_f64x2(v[0], v[stride], 0x44), _mm512_shuffle_f64x2(v[0], v[stride], 0xEE));
+    const F64 high = _mm512_add_pd(_mm512_shuffle_f64x2(v[2 * stride], v[3 * stride], 0x44),
+                                   _mm512_shuffle_f64x2(v[2 * stride], v[3 * stride], 0xEE));
+    return _mm512_add_pd(_mm512_shuffle_f64x2(low, high, 0x88), _mm512_shuffle_f64x2(low, high, 0xDD));
+}
+#endif
+} // namespace detail
+
+LYR_INLINE F32 sumEach(const F32* v)
+{
+    using namespace detail;
+    return addHalves(addPairs(gather128(v, 4), gather128(v + 1, 4)),
+                     addPairs(gather128(v + 2, 4), gather128(v + 3, 4)));
+}
+
+LYR_INLINE F64 sumEach(const F64* v)
+{
+    return detail::addPairs(detail::gather128(v, 2), detail::gather128(v + 1, 2));
 }
 
 } // namespace lyr::LYR_NS

@@ -7,6 +7,8 @@
 #pragma once
 
 #define LYR_INLINE __attribute__((always_inline)) inline
+// Of a lambda, behind its parameters.
+#define LYR_INLINE_LAMBDA __attribute__((always_inline))
 
 #if defined(LYR_WIDTH)
 #if LYR_WIDTH == 128
