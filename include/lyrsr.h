@@ -632,6 +632,80 @@ LYRSR_API Status lyrsFFTFwd_RToCCS_16s32s_Sfs(const Elem16s* pSrc, Elem32s* pDst
 
 /* ================================================ scoring: log domain ============================================= */
 
+/**
+ * @defgroup scoring_log Log-domain arithmetic
+ *
+ * Likelihoods kept as logarithms. With m the larger and s the smaller of two operands and d = s - m,
+ *
+ *     log(exp(a) + exp(b)) = m + log(1 + exp(d))
+ *
+ * where log(1 + exp(d)) is a polynomial on each of three intervals of d, of degree 10 (single-precision and fixed-point
+ * forms, within 5e-9 of the function) or 21 (`64f`, within 4e-15). A d below a cut-off leaves m, but the floor, which
+ * stands for the logarithm of zero, where m is very low:
+ *
+ * | forms | cut-off of d | floor | taken for m below |
+ * |---|---|---|---|
+ * | single precision, fixed point | -15.3195879547406 | -4500000 | -4500000 |
+ * | `64f` | -23.0258509299405 | -10000000000 | -9000000000 |
+ *
+ * Above the cut-off the floor does not apply. A NaN operand gives NaN, and so do two infinities of the same sign.
+ *
+ * `Sfs` forms hold the log value times 2^scaleFactor, and truncate and saturate their results.
+ *
+ * All of them return #StsNoErr; in this order: #StsSize, #StsNullPtr, and where told #StsRange.
+ * @{
+ */
+
+/**
+ * @name Log-addition
+ * pSrcDst[i] = log(exp(pSrc[i]) + exp(pSrcDst[i])).
+ * @param hint how the single-precision and fixed-point forms evaluate the polynomial. 0: in double precision. 1: in
+ * single precision. 2: one element at a time, from the last to the first, in the widest precision of the processor.
+ * `lyrsLogAdd_64f` has one way for all three. Any other value adds nothing and is no error; fixed-point elements then
+ * still go to single precision and back, which shows above 2^24.
+ * @{
+ */
+LYRSR_API Status lyrsLogAdd_32f(const Elem32f* pSrc, Elem32f* pSrcDst, Elem32s len, Elem32s hint);
+LYRSR_API Status lyrsLogAdd_64f(const Elem64f* pSrc, Elem64f* pSrcDst, Elem32s len, Elem32s hint);
+LYRSR_API Status lyrsLogAdd_32s_Sfs(const Elem32s* pSrc, Elem32s* pSrcDst, Elem32s len, Elem32s scaleFactor,
+                                    Elem32s hint);
+LYRSR_API Status lyrsLogAdd_16s_Sfs(const Elem16s* pSrc, Elem16s* pSrcDst, Elem32s len, Elem32s scaleFactor,
+                                    Elem32s hint);
+/** @} */
+
+/**
+ * @name Log-subtraction
+ * pSrcDst[i] = log(exp(pSrc[i]) - exp(pSrcDst[i])), the in-place operand being the subtrahend. d = pSrcDst[i] - pSrc[i]
+ * in the precision of the type; log(1 - exp(d)) in double precision. A d below the cut-off leaves pSrc[i], no lower
+ * than the floor. The floor also stands where exp(d) rounds to one.
+ *
+ * The fixed-point forms scale d, but add the logarithm to the unscaled pSrc[i], limit the sum to 32 bits and truncate
+ * it; the 16-bit form stores the low 16 bits of that.
+ * @return #StsRange with nothing written if any d is 0 or more. A NaN is not, two equal infinities are not.
+ * `lyrsLogSub_32s_Sfs` tests the difference as it wraps in 32 bits.
+ * @{
+ */
+LYRSR_API Status lyrsLogSub_32f(const Elem32f* pSrc, Elem32f* pSrcDst, Elem32s len);
+LYRSR_API Status lyrsLogSub_64f(const Elem64f* pSrc, Elem64f* pSrcDst, Elem32s len);
+LYRSR_API Status lyrsLogSub_32s_Sfs(const Elem32s* pSrc, Elem32s* pSrcDst, Elem32s len, Elem32s scaleFactor);
+LYRSR_API Status lyrsLogSub_16s_Sfs(const Elem16s* pSrc, Elem16s* pSrcDst, Elem32s len, Elem32s scaleFactor);
+/** @} */
+
+/**
+ * @name Log-sum
+ * *pResult = log of the sum of exp(pSrc[i]), by log-additions in single precision (`64f`: double). The order is fixed:
+ * from 8 elements (`64f`: 5) elements go to four (`64f`: two) accumulators in turn, these are added, and the elements
+ * left over follow one at a time. Fixed-point forms convert to single precision and sum blocks of 128; up to 6 elements
+ * they add in double precision. One element alone is the result as it is.
+ * @{
+ */
+LYRSR_API Status lyrsLogSum_32f(const Elem32f* pSrc, Elem32f* pResult, Elem32s len);
+LYRSR_API Status lyrsLogSum_64f(const Elem64f* pSrc, Elem64f* pResult, Elem32s len);
+LYRSR_API Status lyrsLogSum_32s_Sfs(const Elem32s* pSrc, Elem32s* pResult, Elem32s len, Elem32s scaleFactor);
+LYRSR_API Status lyrsLogSum_16s_Sfs(const Elem16s* pSrc, Elem16s* pResult, Elem32s len, Elem32s scaleFactor);
+/** @} */
+/** @} */
+
 /* ========================================= scoring: one diagonal Gaussian ========================================= */
 
 /**
@@ -723,6 +797,104 @@ LYRSR_API Status lyrsLogGauss_IdVar_64f_D2L(const Elem64f* const* mPtr, const El
 /** @} */
 
 /* ================================================= scoring: mixtures ============================================== */
+
+/**
+ * @defgroup scoring_mixture Scores against mixtures of diagonal Gaussians
+ *
+ * One frame against `height` Gaussians. Row g of the means and of the inverse variances belongs to Gaussian g:
+ *
+ *     score(g) = gconst[g] - 1/2 * sum over i of (x[i] - mean[g][i])^2 * var[g][i]
+ *
+ * with the constant entering as 2 * gconst[g], halved with the sum at the end. Everything is in the precision of the
+ * type. Log-additions are those of lyrsLogAdd_32f() with hint 0, and lyrsLogAdd_64f().
+ *
+ * @param pSrc    frame, `width` elements
+ * @param pMean   means: `height` rows of `width` elements, row g starting g * `step` elements after the first
+ * @param pVar    inverse variances, likewise
+ * @param mMean   table of `height` pointers to means
+ * @param mVar    table of `height` pointers to inverse variances
+ * @param step    row stride of both matrices in elements, at least `width`
+ * @param width   elements of a frame, at least 1
+ * @param pGconst constants of the Gaussians, `height` elements
+ * @param height  number of Gaussians, at least 1
+ * @{
+ */
+
+/**
+ * @name Each Gaussian
+ * `MultiMix`: pSrcDst[g] holds the constant and becomes score(g). `MaxMultiMix`: score(g) replaces pSrcDst[g] where it
+ * is larger; NaN never is. `AddMultiMix`: pSrcDst[g] = log(exp(pSrcDst[g]) + exp(score(g))).
+ * @return #StsNoErr; in this order: #StsStep (`_D2`), #StsNullPtr, #StsSize.
+ * @{
+ */
+LYRSR_API Status lyrsLogGaussMultiMix_32f_D2(const Elem32f* pMean, const Elem32f* pVar, Elem32s step,
+                                             const Elem32f* pSrc, Elem32s width, Elem32f* pSrcDst, Elem32s height);
+LYRSR_API Status lyrsLogGaussMultiMix_32f_D2L(const Elem32f* const* mMean, const Elem32f* const* mVar,
+                                              const Elem32f* pSrc, Elem32s width, Elem32f* pSrcDst, Elem32s height);
+LYRSR_API Status lyrsLogGaussMultiMix_64f_D2(const Elem64f* pMean, const Elem64f* pVar, Elem32s step,
+                                             const Elem64f* pSrc, Elem32s width, Elem64f* pSrcDst, Elem32s height);
+LYRSR_API Status lyrsLogGaussMultiMix_64f_D2L(const Elem64f* const* mMean, const Elem64f* const* mVar,
+                                              const Elem64f* pSrc, Elem32s width, Elem64f* pSrcDst, Elem32s height);
+LYRSR_API Status lyrsLogGaussMaxMultiMix_32f_D2(const Elem32f* pMean, const Elem32f* pVar, Elem32s step,
+                                                const Elem32f* pSrc, Elem32s width, const Elem32f* pGconst,
+                                                Elem32f* pSrcDst, Elem32s height);
+LYRSR_API Status lyrsLogGaussMaxMultiMix_32f_D2L(const Elem32f* const* mMean, const Elem32f* const* mVar,
+                                                 const Elem32f* pSrc, Elem32s width, const Elem32f* pGconst,
+                                                 Elem32f* pSrcDst, Elem32s height);
+LYRSR_API Status lyrsLogGaussMaxMultiMix_64f_D2(const Elem64f* pMean, const Elem64f* pVar, Elem32s step,
+                                                const Elem64f* pSrc, Elem32s width, const Elem64f* pGconst,
+                                                Elem64f* pSrcDst, Elem32s height);
+LYRSR_API Status lyrsLogGaussMaxMultiMix_64f_D2L(const Elem64f* const* mMean, const Elem64f* const* mVar,
+                                                 const Elem64f* pSrc, Elem32s width, const Elem64f* pGconst,
+                                                 Elem64f* pSrcDst, Elem32s height);
+LYRSR_API Status lyrsLogGaussAddMultiMix_32f_D2(const Elem32f* pMean, const Elem32f* pVar, Elem32s step,
+                                                const Elem32f* pSrc, Elem32s width, const Elem32f* pGconst,
+                                                Elem32f* pSrcDst, Elem32s height);
+LYRSR_API Status lyrsLogGaussAddMultiMix_32f_D2L(const Elem32f* const* mMean, const Elem32f* const* mVar,
+                                                 const Elem32f* pSrc, Elem32s width, const Elem32f* pGconst,
+                                                 Elem32f* pSrcDst, Elem32s height);
+LYRSR_API Status lyrsLogGaussAddMultiMix_64f_D2(const Elem64f* pMean, const Elem64f* pVar, Elem32s step,
+                                                const Elem64f* pSrc, Elem32s width, const Elem64f* pGconst,
+                                                Elem64f* pSrcDst, Elem32s height);
+LYRSR_API Status lyrsLogGaussAddMultiMix_64f_D2L(const Elem64f* const* mMean, const Elem64f* const* mVar,
+                                                 const Elem64f* pSrc, Elem32s width, const Elem64f* pGconst,
+                                                 Elem64f* pSrcDst, Elem32s height);
+/** @} */
+
+/**
+ * @name The mixture
+ * *pResult = log of the sum over g of exp(score(g)), by log-additions in the precision of the type. `64f` adds as
+ * lyrsLogSum_64f() in blocks of 100 Gaussians, the total so far being the first element of every later block; `32f`
+ * adds as with hint 1, in any order, so that a total is within a few units in the last place of what lyrsLogSum_32f()
+ * makes of the scores, and a term left out below the cut-off. One Gaussian alone gives its score. `IdVar` forms weigh
+ * every element with one.
+ * @return #StsNoErr; in this order: #StsNullPtr, #StsStep (`_D2`), #StsSize.
+ * @{
+ */
+LYRSR_API Status lyrsLogGaussMixture_32f_D2(const Elem32f* pSrc, const Elem32f* pMean, const Elem32f* pVar,
+                                            Elem32s height, Elem32s step, Elem32s width, const Elem32f* pGconst,
+                                            Elem32f* pResult);
+LYRSR_API Status lyrsLogGaussMixture_32f_D2L(const Elem32f* pSrc, const Elem32f* const* mMean,
+                                             const Elem32f* const* mVar, Elem32s height, Elem32s width,
+                                             const Elem32f* pGconst, Elem32f* pResult);
+LYRSR_API Status lyrsLogGaussMixture_64f_D2(const Elem64f* pSrc, const Elem64f* pMean, const Elem64f* pVar,
+                                            Elem32s height, Elem32s step, Elem32s width, const Elem64f* pGconst,
+                                            Elem64f* pResult);
+LYRSR_API Status lyrsLogGaussMixture_64f_D2L(const Elem64f* pSrc, const Elem64f* const* mMean,
+                                             const Elem64f* const* mVar, Elem32s height, Elem32s width,
+                                             const Elem64f* pGconst, Elem64f* pResult);
+LYRSR_API Status lyrsLogGaussMixture_IdVar_32f_D2(const Elem32f* pSrc, const Elem32f* pMean, Elem32s height,
+                                                  Elem32s step, Elem32s width, const Elem32f* pGconst,
+                                                  Elem32f* pResult);
+LYRSR_API Status lyrsLogGaussMixture_IdVar_32f_D2L(const Elem32f* pSrc, const Elem32f* const* mMean, Elem32s height,
+                                                   Elem32s width, const Elem32f* pGconst, Elem32f* pResult);
+LYRSR_API Status lyrsLogGaussMixture_IdVar_64f_D2(const Elem64f* pSrc, const Elem64f* pMean, Elem32s height,
+                                                  Elem32s step, Elem32s width, const Elem64f* pGconst,
+                                                  Elem64f* pResult);
+LYRSR_API Status lyrsLogGaussMixture_IdVar_64f_D2L(const Elem64f* pSrc, const Elem64f* const* mMean, Elem32s height,
+                                                   Elem32s width, const Elem64f* pGconst, Elem64f* pResult);
+/** @} */
+/** @} */
 
 /* ============================================= front end: filter banks ============================================ */
 

@@ -90,8 +90,9 @@ constexpr Twins<DistanceKernel<T>> distances{distance_Al<T, Weight>, distance_NA
 template <class A, class T, class Rows, class Weights, class Constant>
 void frames(Rows rows, const T* mean, Weights var, Elem32s width, T* dst, Elem32s height, Constant gconst)
 {
-    scoreRows<A, T>(rows, mean, var, width, height,
-                    [dst, gconst](std::ptrdiff_t f, T distance) { dst[f] = gconst.score(distance); });
+    scoreRows<A, T>(rows, mean, var, width, height, [dst, gconst](std::ptrdiff_t f, auto distances) LYR_INLINE_LAMBDA {
+        put(dst + f, gconst.score(distances));
+    });
 }
 
 template <class T, class Rows, class Weights, class Constant>

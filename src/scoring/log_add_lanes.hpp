@@ -1,0 +1,316 @@
+// Log-addition of vectors: every lane takes the coefficients of its own interval.
+//
+// For vectors of a register's width, and for those of 128 bits that the sums keep as accumulators at every width. An
+// element gets the same arithmetic in every lane. Steps are fused only where the result is rounded to a lower precision
+// afterwards, or where a sum promises no order; else the bits are the same at every width.
+#pragma once
+
+#include "frame/simd.hpp"
+#include "scoring/log_add_tables.hpp"
+
+namespace lyr::LYR_NS {
+
+using Quad = float __attribute__((vector_size(16)));
+using Pair = double __attribute__((vector_size(16)));
+
+#if LYR_WIDTH > 128
+LYR_INLINE Quad max(Quad a, Quad b)
+{
+    return _mm_max_ps(a, b);
+}
+LYR_INLINE Quad min(Quad a, Quad b)
+{
+    return _mm_min_ps(a, b);
+}
+LYR_INLINE Pair max(Pair a, Pair b)
+{
+    return _mm_max_pd(a, b);
+}
+LYR_INLINE Pair min(Pair a, Pair b)
+{
+    return _mm_min_pd(a, b);
+}
+LYR_INLINE Quad mulAdd(Quad a, Quad b, Quad c)
+{
+    return _mm_fmadd_ps(a, b, c);
+}
+LYR_INLINE Pair mulAdd(Pair a, Pair b, Pair c)
+{
+    return _mm_fmadd_pd(a, b, c);
+}
+#endif
+
+// Every lane of a is below that of b. A comparison for no more than this stays out of the vector registers of AVX-512:
+// a mask made there would wait for whatever its register held before.
+template <class V>
+LYR_INLINE bool allBelow(V a, V b)
+{
+    if constexpr (__is_same(V, Quad)) {
+        return _mm_movemask_ps(_mm_cmplt_ps(a, b)) == 0xF;
+    } else if constexpr (__is_same(V, Pair)) {
+        return _mm_movemask_pd(_mm_cmplt_pd(a, b)) == 0x3;
+#if LYR_WIDTH == 512
+    } else if constexpr (__is_same(V, F32)) {
+        return _mm512_cmp_ps_mask(a, b, _CMP_LT_OQ) == 0xFFFF;
+    } else {
+        return _mm512_cmp_pd_mask(a, b, _CMP_LT_OQ) == 0xFF;
+#else
+    } else {
+        return all(a < b);
+#endif
+    }
+}
+
+// A number for each interval, over and over, as one permutation wants it in memory: near, middle, far and one unused.
+template <class T>
+struct alignas(64) ByInterval
+{
+    T of[64 / sizeof(T)];
+
+    constexpr ByInterval() : of{} {}
+    constexpr ByInterval(Elem64f near, Elem64f middle, Elem64f far) : of{}
+    {
+        for (std::size_t i = 0; i < 64 / sizeof(T); i += 4) {
+            of[i] = static_cast<T>(near);
+            of[i + 1] = static_cast<T>(middle);
+            of[i + 2] = static_cast<T>(far);
+        }
+    }
+};
+
+// Each lane's number; `interval` holds 0, 1 or 2 in each lane.
+template <class V, class I, class T>
+LYR_INLINE V choose(const ByInterval<T>& c, I interval)
+{
+#if LYR_WIDTH == 128
+    return interval == 0 ? c.of[0] - V{} : (interval == 1 ? c.of[1] - V{} : c.of[2] - V{});
+#else
+    if constexpr (__is_same(V, Quad)) {
+        return _mm_permutevar_ps(_mm_load_ps(c.of), as<__m128i>(interval));
+#if LYR_WIDTH == 512
+    } else if constexpr (__is_same(V, F32)) {
+        return _mm512_permutexvar_ps(as<__m512i>(interval), _mm512_load_ps(c.of));
+    } else if constexpr (__is_same(V, F64)) {
+        return _mm512_permutexvar_pd(as<__m512i>(interval), _mm512_load_pd(c.of));
+#else
+    } else if constexpr (__is_same(V, F32)) {
+        return _mm256_permutevar8x32_ps(_mm256_load_ps(c.of), as<__m256i>(interval));
+#endif
+    } else {
+        // A double goes as two singles, 2i and 2i + 1.
+        const I halves = 2 * (interval | interval << 32) + (1LL << 32);
+        const __m256 singles = _mm256_castpd_ps(_mm256_load_pd(c.of));
+        if constexpr (__is_same(V, Pair)) {
+            const __m256i index = _mm256_castsi128_si256(as<__m128i>(halves));
+            return _mm_castps_pd(_mm256_castps256_ps128(_mm256_permutevar8x32_ps(singles, index)));
+        } else {
+            return _mm256_castps_pd(_mm256_permutevar8x32_ps(singles, as<__m256i>(halves)));
+        }
+    }
+#endif
+}
+
+// The coefficients of the powers from the highest down, by interval.
+template <class T, int N>
+struct CoefficientRows
+{
+    ByInterval<T> power[N];
+
+    constexpr CoefficientRows(const Elem64f* near, const Elem64f* middle, const Elem64f* far) : power{}
+    {
+        for (int i = 0; i < N; ++i) {
+            power[i] = ByInterval<T>(near[i], middle[i], far[i]);
+        }
+    }
+};
+
+#if LYR_WIDTH == 512
+// Kept in memory: a constant that the compiler can see it makes in a general register, every time.
+alignas(64) extern const std::int32_t intervals32[32];
+alignas(64) extern const std::int64_t intervals64[16];
+#endif
+
+constexpr CoefficientRows<Elem32f, 11> singleRows{LogAddCoeff1_F, LogAddCoeff2_F, LogAddCoeff3_F};
+constexpr CoefficientRows<Elem64f, 11> accurateRows{LogAddCoeff1_F, LogAddCoeff2_F, LogAddCoeff3_F};
+constexpr CoefficientRows<Elem64f, 22> doubleRows{LogAddCoeff1, LogAddCoeff2, LogAddCoeff3};
+
+// p(t) by Horner's rule.
+template <class V, class I, class T, int N>
+LYR_INLINE V horner(const CoefficientRows<T, N>& rows, I interval, V t)
+{
+    V p = choose<V>(rows.power[0], interval);
+    for (int i = 1; i < N; ++i) {
+        p = p * t + choose<V>(rows.power[i], interval);
+    }
+    return p;
+}
+
+// a * b + c in two roundings or, where the processor has it, in one.
+struct TwoRoundings
+{
+    template <class V>
+    static LYR_INLINE V mulAdd(V a, V b, V c)
+    {
+        return a * b + c;
+    }
+};
+struct OneRounding
+{
+    template <class V>
+    static LYR_INLINE V mulAdd(V a, V b, V c)
+    {
+        return LYR_NS::mulAdd(a, b, c);
+    }
+};
+
+// p(t) as two polynomials in t squared: half the chain of dependent steps.
+template <class Step, class V, class I, class T, int N>
+LYR_INLINE V evenOdd(const CoefficientRows<T, N>& rows, I interval, V t)
+{
+    const V square = t * t;
+    V first = choose<V>(rows.power[0], interval);
+    V second = choose<V>(rows.power[1], interval);
+    for (int i = 2; i < N; ++i) {
+        V& p = i % 2 == 0 ? first : second;
+        p = Step::mulAdd(p, square, choose<V>(rows.power[i], interval));
+    }
+    // The constant term is in the one that comes last.
+    return N % 2 == 0 ? Step::mulAdd(first, t, second) : Step::mulAdd(second, t, first);
+}
+
+// p(t) of degree 10 by pairs, pairs of pairs and so on (Estrin, 1960): the shortest chain of dependent steps.
+template <class V, class I, class T>
+LYR_INLINE V byPairs(const CoefficientRows<T, 11>& rows, I interval, V t)
+{
+    const auto pair = [&](int power) LYR_INLINE_LAMBDA {
+        return mulAdd(choose<V>(rows.power[9 - power], interval), t, choose<V>(rows.power[10 - power], interval));
+    };
+    const V t2 = t * t;
+    const V t4 = t2 * t2;
+    const V t8 = t4 * t4;
+    const V low = mulAdd(mulAdd(pair(6), t2, pair(4)), t4, mulAdd(pair(2), t2, pair(0)));
+    return mulAdd(mulAdd(choose<V>(rows.power[0], interval), t2, pair(8)), t8, low);
+}
+
+#if LYR_WIDTH == 512
+namespace detail {
+LYR_INLINE I32 intervalOf(F32 d, F32 near, F32 middle)
+{
+    const __mmask16 notNear = _mm512_cmp_ps_mask(d, near, _CMP_NGT_UQ);
+    const __mmask16 far = _mm512_cmp_ps_mask(d, middle, _CMP_NGT_UQ);
+    const __m512i one = _mm512_load_si512(&intervals32[0]);
+    const __m512i two = _mm512_load_si512(&intervals32[16]);
+    return as<I32>(_mm512_mask_mov_epi32(_mm512_maskz_mov_epi32(notNear, one), far, two));
+}
+LYR_INLINE I64 intervalOf(F64 d, F64 near, F64 middle)
+{
+    const __mmask8 notNear = _mm512_cmp_pd_mask(d, near, _CMP_NGT_UQ);
+    const __mmask8 far = _mm512_cmp_pd_mask(d, middle, _CMP_NGT_UQ);
+    const __m512i one = _mm512_load_si512(&intervals64[0]);
+    const __m512i two = _mm512_load_si512(&intervals64[8]);
+    return as<I64>(_mm512_mask_mov_epi64(_mm512_maskz_mov_epi64(notNear, one), far, two));
+}
+} // namespace detail
+#endif
+
+// A log-addition up to its polynomial.
+template <class T, class V>
+struct LogAddStep
+{
+    using Mask = decltype(V{} < V{});
+
+    V larger;
+    V difference;
+    V withoutSmaller; // the result where the difference is below the cut-off
+
+    // The comparisons are such that a NaN operand makes the difference NaN, and that passes for the polynomial.
+    LYR_INLINE LogAddStep(V a, V b, const LogAddLimits& limit)
+        : larger(max(a, b)), difference(min(b, a) - larger),
+          withoutSmaller(larger < static_cast<T>(limit.floorTest) ? static_cast<T>(limit.floor) - V{} : larger)
+    {}
+
+    LYR_INLINE bool ignoresEverySmaller(const LogAddLimits& limit) const
+    {
+        return allBelow(difference, static_cast<T>(limit.cutOff) - V{});
+    }
+
+    // 0, 1 or 2 in each lane; NaN counts as far.
+    LYR_INLINE Mask interval(const LogAddLimits& limit) const
+    {
+        const V near = static_cast<T>(limit.near) - V{};
+        const V middle = static_cast<T>(limit.middle) - V{};
+#if LYR_WIDTH == 512
+        if constexpr (sizeof(V) == 64) { // two masked moves of constants, which the compiler would bring from elsewhere
+            return detail::intervalOf(difference, near, middle);
+        }
+#endif
+        return difference > near ? Mask{} : (difference > middle ? Mask{} + 1 : Mask{} + 2);
+    }
+
+    // The difference, from the start of its interval on.
+    LYR_INLINE V t(const LogAddLimits& limit) const
+    {
+        const T near = static_cast<T>(limit.near);
+        const T middle = static_cast<T>(limit.middle);
+        const V fromNear = difference - near;
+        const V fromMiddle = difference - middle;
+        return difference > near ? difference : (difference > middle ? fromNear : fromMiddle);
+    }
+
+    LYR_INLINE V result(V sum, const LogAddLimits& limit) const
+    {
+        return difference < static_cast<T>(limit.cutOff) ? withoutSmaller : sum;
+    }
+};
+
+// Everything in single precision.
+template <class V>
+LYR_INLINE V logAddSingle(V a, V b)
+{
+    const LogAddStep<Elem32f, V> step(a, b, singleLogAdd);
+    if (step.ignoresEverySmaller(singleLogAdd)) {
+        return step.withoutSmaller;
+    }
+    const auto interval = step.interval(singleLogAdd);
+    const V t = step.t(singleLogAdd);
+    return step.result(step.larger + horner(singleRows, interval, t), singleLogAdd);
+}
+
+// As logAddSingle, but for where the polynomial is rounded: within 8 units of single precision of the term.
+LYR_INLINE F32 logAddFast(F32 a, F32 b)
+{
+    const LogAddStep<Elem32f, F32> step(a, b, singleLogAdd);
+    const auto interval = step.interval(singleLogAdd);
+    const F32 t = step.t(singleLogAdd);
+    return step.result(step.larger + byPairs(singleRows, interval, t), singleLogAdd);
+}
+
+// t in single precision, the polynomial and the sum in double precision, the result rounded to single: it differs
+// between fused and plain steps only where the sum is within some 2^-50 of a tie.
+LYR_INLINE F32 logAddAccurate(F32 a, F32 b)
+{
+    const LogAddStep<Elem32f, F32> step(a, b, singleLogAdd);
+    if (step.ignoresEverySmaller(singleLogAdd)) {
+        return step.withoutSmaller;
+    }
+    const I32 interval = step.interval(singleLogAdd);
+    const F32 t = step.t(singleLogAdd);
+    const F64 low = widenLower(step.larger) + evenOdd<OneRounding>(accurateRows, widenLower(interval), widenLower(t));
+    const F64 high = widenUpper(step.larger) + evenOdd<OneRounding>(accurateRows, widenUpper(interval), widenUpper(t));
+    return step.result(narrow(low, high), singleLogAdd);
+}
+
+// Everything in double precision.
+template <class V>
+LYR_INLINE V logAddDouble(V a, V b)
+{
+    const LogAddStep<Elem64f, V> step(a, b, doubleLogAdd);
+    if (step.ignoresEverySmaller(doubleLogAdd)) {
+        return step.withoutSmaller;
+    }
+    const auto interval = step.interval(doubleLogAdd);
+    const V t = step.t(doubleLogAdd);
+    return step.result(step.larger + evenOdd<TwoRoundings>(doubleRows, interval, t), doubleLogAdd);
+}
+
+} // namespace lyr::LYR_NS
