@@ -99,11 +99,12 @@ LYR_INLINE void step(VectorOf<T> (&sums)[R], const RowSet<S, R>& rows, const S* 
     }
 }
 
-// The lane sums of R rows from `first` on.
+// The lane sums of R rows from `first` on, to `out`: memory, of which the loops stay clear.
 template <class A, class T, int R, class Rows, class Weights, class S>
-LYR_INLINE void rowSums(VectorOf<T> (&sums)[R], Rows rows, std::ptrdiff_t first, const S* shared, Weights weights,
+LYR_INLINE void rowSums(VectorOf<T>* out, Rows rows, std::ptrdiff_t first, const S* shared, Weights weights,
                         Elem32s width)
 {
+    VectorOf<T> sums[R];
     RowSet<S, R> row;
     for (int k = 0; k < R; ++k) {
         row.row[k] = rows.row(first + k);
@@ -121,37 +122,136 @@ LYR_INLINE void rowSums(VectorOf<T> (&sums)[R], Rows rows, std::ptrdiff_t first,
     if (const int rest = static_cast<int>(width - i); rest != 0) {
         step<Weights, T>(sums, row, shared, weight, i, [rest](const S* p) { return loadTailAs<A, T>(p, rest); });
     }
+    for (int k = 0; k < R; ++k) {
+        out[k] = sums[k];
+    }
 }
 
-LYR_INLINE void addLanes(float (&out)[rowsAtOnce], const F32 (&sums)[rowsAtOnce])
+// Rows of at most N registers, and more than N - 1: what they share stays in registers for the whole call, and a row
+// costs three instructions for each of its own.
+template <class T, int N, class Weights>
+struct ShortRows
 {
-    _mm_storeu_ps(out, sumEach(sums[0], sums[1], sums[2], sums[3]));
-}
+    using V = VectorOf<T>;
+    static constexpr int L = lanes<V>;
+    static constexpr bool sharesWeights = Weights::areShared && !__is_same(Weights, UnitWeights);
 
-LYR_INLINE void addLanes(double (&out)[rowsAtOnce], const F64 (&sums)[rowsAtOnce])
+    V x[N];
+    V weight[sharesWeights ? N : 1];
+    int rest; // elements of the last register, which may be all
+
+    LYR_INLINE ShortRows(const T* shared, Weights weights, Elem32s width) : rest(width - (N - 1) * L)
+    {
+        for (int n = 0; n < N; ++n) {
+            x[n] = part(shared, n);
+            if constexpr (sharesWeights) {
+                weight[n] = part(weights.values, n);
+            }
+        }
+    }
+
+    LYR_INLINE V part(const T* row, int n) const
+    {
+        return n < N - 1 ? load<Unaligned>(row + n * L) : loadTail<Unaligned>(row + n * L, rest);
+    }
+
+    template <class Rows>
+    LYR_INLINE V laneSums(Rows rows, Weights weights, std::ptrdiff_t r) const
+    {
+        const T* const row = rows.row(r);
+        V sum{};
+        for (int n = 0; n < N; ++n) {
+            const V d = x[n] - part(row, n);
+            if constexpr (__is_same(Weights, UnitWeights)) {
+                sum = mulAdd(d, d, sum);
+            } else if constexpr (sharesWeights) {
+                sum = addWeighted(sum, d, weight[n]);
+            } else {
+                sum = addWeighted(sum, d, part(weights.rows.row(r), n));
+            }
+        }
+        return sum;
+    }
+};
+
+template <class T, int N, class Rows, class Weights, class Finish>
+LYR_INLINE void scoreShortRows(Rows rows, const T* shared, Weights weights, Elem32s width, Elem32s height,
+                               Finish finish)
 {
-    _mm_storeu_pd(out, sumEach(sums[0], sums[1]));
-    _mm_storeu_pd(out + 2, sumEach(sums[2], sums[3]));
+    using V = VectorOf<T>;
+    constexpr int L = lanes<V>;
+    const ShortRows<T, N, Weights> shortRows(shared, weights, width);
+    std::ptrdiff_t r = 0;
+    for (; r + L <= height; r += L) {
+        V sums[L];
+        for (int k = 0; k < L; k += rowsAtOnce) {
+            for (int j = 0; j < rowsAtOnce; ++j) {
+                sums[k + j] = shortRows.laneSums(rows, weights, r + k + j);
+            }
+        }
+        finish(r, sumEach(sums));
+    }
+    for (; r < height; ++r) {
+        finish(r, sum(shortRows.laneSums(rows, weights, r)));
+    }
 }
 
-// The score of every row: finish(r, distance) writes it.
+// The score of every row: finish(r, distances) takes those of rows from r on, a whole register of them while there are
+// as many rows and one at a time at the end.
 template <class A, class T, class Rows, class S, class Weights, class Finish>
 LYR_INLINE void scoreRows(Rows rows, const S* shared, Weights weights, Elem32s width, Elem32s height, Finish finish)
 {
+    using V = VectorOf<T>;
+    constexpr int L = lanes<V>;
+    if constexpr (LYR_WIDTH > 128) { // whose masked loads take a whole register as well
+        if (width <= L) {
+            return scoreShortRows<T, 1>(rows, shared, weights, width, height, finish);
+        }
+        if (width <= 2 * L) {
+            return scoreShortRows<T, 2>(rows, shared, weights, width, height, finish);
+        }
+        if (width <= 3 * L) {
+            return scoreShortRows<T, 3>(rows, shared, weights, width, height, finish);
+        }
+    }
+    constexpr int group = L > rowsAtOnce ? L : rowsAtOnce;
     std::ptrdiff_t r = 0;
-    for (; r + rowsAtOnce <= height; r += rowsAtOnce) {
-        VectorOf<T> sums[rowsAtOnce];
-        rowSums<A, T>(sums, rows, r, shared, weights, width);
-        T distance[rowsAtOnce];
-        addLanes(distance, sums);
-        for (int k = 0; k < rowsAtOnce; ++k) {
-            finish(r + k, distance[k]);
+    for (; r + group <= height; r += group) {
+        V sums[group];
+        for (int k = 0; k < group; k += rowsAtOnce) {
+            rowSums<A, T, rowsAtOnce>(sums + k, rows, r + k, shared, weights, width);
+        }
+        for (int k = 0; k < group; k += L) {
+            finish(r + k, sumEach(sums + k));
         }
     }
     for (; r < height; ++r) {
-        VectorOf<T> sums[1];
-        rowSums<A, T>(sums, rows, r, shared, weights, width);
+        V sums[1];
+        rowSums<A, T, 1>(sums, rows, r, shared, weights, width);
         finish(r, sum(sums[0]));
+    }
+}
+
+// What a finish stores: a register of scores, or one.
+template <class T>
+LYR_INLINE void put(T* p, VectorOf<T> v)
+{
+    store<Unaligned>(p, v);
+}
+template <class T>
+LYR_INLINE void put(T* p, T x)
+{
+    *p = x;
+}
+
+// As many elements as D holds.
+template <class D, class T>
+LYR_INLINE D get(const T* p)
+{
+    if constexpr (__is_same(D, T)) {
+        return *p;
+    } else {
+        return load<Unaligned>(p);
     }
 }
 

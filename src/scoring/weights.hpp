@@ -4,6 +4,8 @@
 #include "frame/width.hpp"
 #include "lyrsr.h"
 
+#include <cstddef>
+
 namespace lyr {
 
 // One vector of inverse variances for all rows.
@@ -20,6 +22,7 @@ SharedWeights(const T*) -> SharedWeights<T>;
 struct UnitWeights
 {
     static constexpr bool areShared = true;
+    LYR_INLINE UnitWeights from(std::ptrdiff_t /*row*/) const { return {}; }
 };
 
 // A row of inverse variances for each row.
@@ -28,17 +31,22 @@ struct RowWeights
 {
     static constexpr bool areShared = false;
     Rows rows;
+    LYR_INLINE RowWeights from(std::ptrdiff_t row) const { return {rows.from(row)}; }
 };
 template <class Rows>
 RowWeights(Rows) -> RowWeights<Rows>;
 
 // (2 * gconst - distance) / 2. The doubling rounds to the working precision and may overflow; it is part of the
-// promised result.
-template <class T>
+// promised result. T is the element type; constants and distances may come as numbers or as vectors of it.
+template <class T, class G = T>
 struct Doubled
 {
-    T gconst;
-    LYR_INLINE T score(T distance) const { return (T{2} * gconst + -distance) * T{0.5}; }
+    G gconst;
+    template <class D>
+    LYR_INLINE D score(D distance) const
+    {
+        return (gconst + gconst + -distance) * T{0.5};
+    }
 };
 template <class T>
 Doubled(T) -> Doubled<T>;
@@ -48,7 +56,11 @@ template <class T>
 struct Plain
 {
     T gconst;
-    LYR_INLINE T score(T distance) const { return gconst + T{0.5} * -distance; }
+    template <class D>
+    LYR_INLINE D score(D distance) const
+    {
+        return gconst + T{0.5} * -distance;
+    }
 };
 template <class T>
 Plain(T) -> Plain<T>;

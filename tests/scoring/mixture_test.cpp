@@ -1,0 +1,470 @@
+// One frame against the Gaussians of a mixture: every member against the oracle.
+
+#include "lyrsr.h"
+
+#include <cmath>
+#include <gtest/gtest.h>
+#include <limits>
+#include <string>
+#include <vector>
+
+#include "oracle/log_domain.hpp"
+#include "oracle/mixture.hpp"
+#include "support/guarded.hpp"
+#include "support/random.hpp"
+
+namespace {
+
+using lyr::test::Guarded;
+using lyr::test::Random;
+
+// The members of one element type under one name.
+template <class T>
+struct Family;
+
+template <>
+struct Family<float>
+{
+    static constexpr auto multi = lyrsLogGaussMultiMix_32f_D2;
+    static constexpr auto multiTable = lyrsLogGaussMultiMix_32f_D2L;
+    static constexpr auto max = lyrsLogGaussMaxMultiMix_32f_D2;
+    static constexpr auto maxTable = lyrsLogGaussMaxMultiMix_32f_D2L;
+    static constexpr auto add = lyrsLogGaussAddMultiMix_32f_D2;
+    static constexpr auto addTable = lyrsLogGaussAddMultiMix_32f_D2L;
+    static constexpr auto mixture = lyrsLogGaussMixture_32f_D2;
+    static constexpr auto mixtureTable = lyrsLogGaussMixture_32f_D2L;
+    static constexpr auto unit = lyrsLogGaussMixture_IdVar_32f_D2;
+    static constexpr auto unitTable = lyrsLogGaussMixture_IdVar_32f_D2L;
+};
+
+template <>
+struct Family<double>
+{
+    static constexpr auto multi = lyrsLogGaussMultiMix_64f_D2;
+    static constexpr auto multiTable = lyrsLogGaussMultiMix_64f_D2L;
+    static constexpr auto max = lyrsLogGaussMaxMultiMix_64f_D2;
+    static constexpr auto maxTable = lyrsLogGaussMaxMultiMix_64f_D2L;
+    static constexpr auto add = lyrsLogGaussAddMultiMix_64f_D2;
+    static constexpr auto addTable = lyrsLogGaussAddMultiMix_64f_D2L;
+    static constexpr auto mixture = lyrsLogGaussMixture_64f_D2;
+    static constexpr auto mixtureTable = lyrsLogGaussMixture_64f_D2L;
+    static constexpr auto unit = lyrsLogGaussMixture_IdVar_64f_D2;
+    static constexpr auto unitTable = lyrsLogGaussMixture_IdVar_64f_D2L;
+};
+
+// A frame and a model in guarded memory, as block and as table.
+template <class T>
+struct Model
+{
+    std::size_t height;
+    std::size_t width;
+    std::size_t step;
+    Guarded<T> x;
+    Guarded<T> means;
+    Guarded<T> vars;
+    std::vector<T> gconst;
+    std::vector<const T*> meanRows;
+    std::vector<const T*> varRows;
+
+    Model(Random& random, std::size_t gaussians, std::size_t dimension, std::size_t stride, std::size_t offset)
+        : height(gaussians), width(dimension), step(stride),
+          x(random.vector<T>(width, -2, 2), offset == 0 ? 0 : Guarded<T>::flush(width)),
+          means(random.vector<T>((height - 1) * step + width, -2, 2), offset),
+          vars(random.vector<T>((height - 1) * step + width, T(0.25), 2),
+               offset == 0 ? 0 : Guarded<T>::flush((height - 1) * step + width)),
+          gconst(random.vector<T>(height, -30, -10))
+    {
+        for (std::size_t g = 0; g < height; ++g) {
+            meanRows.push_back(means.data() + g * step);
+            varRows.push_back(vars.data() + g * step);
+        }
+    }
+
+    lyr::oracle::Score score(std::size_t g, bool weighted = true) const
+    {
+        return lyr::oracle::mixtureScore(x.data(), meanRows[g], weighted ? varRows[g] : nullptr, width, gconst[g]);
+    }
+
+    Elem32s heightArgument() const { return static_cast<Elem32s>(height); }
+    Elem32s widthArgument() const { return static_cast<Elem32s>(width); }
+    Elem32s stepArgument() const { return static_cast<Elem32s>(step); }
+};
+
+// Calls `check` with models of every width up to 70, of every height up to 37, and across the blocks of 100.
+template <class T, class Check>
+void forModels(Check check)
+{
+    Random random(11);
+    const std::size_t unit = 32 / sizeof(T);
+    const auto run = [&](std::size_t height, std::size_t width) {
+        for (const std::size_t step : {width, width + 1, (width + unit - 1) / unit * unit}) {
+            for (std::size_t offset = 0; offset < 16; offset += sizeof(T)) {
+                SCOPED_TRACE("width " + std::to_string(width) + " height " + std::to_string(height) + " step " +
+                             std::to_string(step) + " offset " + std::to_string(offset));
+                check(Model<T>(random, height, width, step, offset), random);
+                if (testing::Test::HasFatalFailure()) {
+                    return;
+                }
+            }
+        }
+    };
+    for (std::size_t width = 1; width <= 70; ++width) {
+        for (const std::size_t height : {1, 3, 5, 21}) {
+            run(height, width);
+        }
+    }
+    for (const std::size_t width : {1, 7, 13, 39}) {
+        for (std::size_t height = 1; height <= 37; ++height) {
+            run(height, width);
+        }
+    }
+    for (const std::size_t width : {1, 39}) {
+        for (const std::size_t height : {99, 100, 101, 107, 108, 200, 201, 250, 1000}) {
+            run(height, width);
+        }
+    }
+}
+
+double asDouble(long double x)
+{
+    return static_cast<double>(x);
+}
+
+// ------------------------------------------------------------------------------------------------- each Gaussian alone
+
+template <class T>
+void compareMulti()
+{
+    forModels<T>([](const Model<T>& m, Random&) {
+        for (const bool table : {false, true}) {
+            const Guarded<T> dst(m.gconst, Guarded<T>::flush(m.height));
+            ASSERT_EQ(table ? Family<T>::multiTable(m.meanRows.data(), m.varRows.data(), m.x.data(), m.widthArgument(),
+                                                    dst.data(), m.heightArgument())
+                            : Family<T>::multi(m.means.data(), m.vars.data(), m.stepArgument(), m.x.data(),
+                                               m.widthArgument(), dst.data(), m.heightArgument()),
+                      StsNoErr);
+            ASSERT_TRUE(dst.intact());
+            for (std::size_t g = 0; g < m.height; ++g) {
+                const auto score = m.score(g);
+                ASSERT_NEAR(dst[g], asDouble(score.value), asDouble(score.bound)) << "Gaussian " << g;
+            }
+        }
+    });
+}
+
+TEST(LogGaussMultiMix, Single)
+{
+    compareMulti<float>();
+}
+TEST(LogGaussMultiMix, Double)
+{
+    compareMulti<double>();
+}
+
+// -------------------------------------------------------------------------------------------------------- running best
+
+template <class T>
+void compareMax()
+{
+    forModels<T>([](const Model<T>& m, Random& random) {
+        std::vector<T> old(m.height);
+        for (std::size_t g = 0; g < m.height; ++g) {
+            old[g] = static_cast<T>(m.score(g).value) + random.uniform(T(-5), T(5));
+        }
+        for (const bool table : {false, true}) {
+            const Guarded<T> dst(old, Guarded<T>::flush(m.height));
+            ASSERT_EQ(table ? Family<T>::maxTable(m.meanRows.data(), m.varRows.data(), m.x.data(), m.widthArgument(),
+                                                  m.gconst.data(), dst.data(), m.heightArgument())
+                            : Family<T>::max(m.means.data(), m.vars.data(), m.stepArgument(), m.x.data(),
+                                             m.widthArgument(), m.gconst.data(), dst.data(), m.heightArgument()),
+                      StsNoErr);
+            ASSERT_TRUE(dst.intact());
+            for (std::size_t g = 0; g < m.height; ++g) {
+                const auto score = m.score(g);
+                if (dst[g] == old[g]) {
+                    ASSERT_LE(asDouble(score.value), old[g] + asDouble(score.bound)) << "Gaussian " << g;
+                } else {
+                    ASSERT_GT(dst[g], old[g]);
+                    ASSERT_NEAR(dst[g], asDouble(score.value), asDouble(score.bound)) << "Gaussian " << g;
+                }
+            }
+        }
+    });
+}
+
+TEST(LogGaussMaxMultiMix, Single)
+{
+    compareMax<float>();
+}
+TEST(LogGaussMaxMultiMix, Double)
+{
+    compareMax<double>();
+}
+
+// Only what is larger replaces: a NaN score does not, and a NaN of the caller's stays, in every place of a step of
+// rows.
+template <class T>
+void expectNanIsNeverLarger()
+{
+    const T nan = std::numeric_limits<T>::quiet_NaN();
+    for (std::size_t height = 1; height <= 40; ++height) {
+        const std::vector<T> x(8, T(1));
+        const std::vector<T> ones(8 * height, T(1));
+        for (std::size_t at = 0; at < height; ++at) {
+            std::vector<T> gconst(height, T(5));
+            std::vector<T> dst(height, T(3));
+            gconst[at] = nan;
+            ASSERT_EQ(Family<T>::max(ones.data(), ones.data(), 8, x.data(), 8, gconst.data(), dst.data(),
+                                     static_cast<Elem32s>(height)),
+                      StsNoErr);
+            for (std::size_t g = 0; g < height; ++g) {
+                ASSERT_EQ(dst[g], g == at ? T(3) : T(5)) << g << " of " << height;
+            }
+            gconst[at] = T(5);
+            dst.assign(height, T(6));
+            dst[at] = nan;
+            ASSERT_EQ(Family<T>::max(ones.data(), ones.data(), 8, x.data(), 8, gconst.data(), dst.data(),
+                                     static_cast<Elem32s>(height)),
+                      StsNoErr);
+            for (std::size_t g = 0; g < height; ++g) {
+                ASSERT_TRUE(g == at ? std::isnan(dst[g]) : dst[g] == T(6)) << g << " of " << height;
+            }
+        }
+    }
+}
+
+TEST(LogGaussMaxMultiMix, NanIsNeverLarger)
+{
+    expectNanIsNeverLarger<float>();
+    expectNanIsNeverLarger<double>();
+}
+
+TEST(LogGaussMaxMultiMix, ConstantsStay)
+{
+    const std::vector<float> x{1, 2};
+    std::vector<float> gconst{-1, -2};
+    std::vector<float> dst{-9, -9};
+    ASSERT_EQ(lyrsLogGaussMaxMultiMix_32f_D2(x.data(), x.data(), 1, x.data(), 1, gconst.data(), dst.data(), 2),
+              StsNoErr);
+    EXPECT_EQ(gconst, (std::vector<float>{-1, -2}));
+    EXPECT_EQ(dst, (std::vector<float>{-1, -3})) << "-2 - 1/2 * (1 - 2)^2 * 2";
+}
+
+// ----------------------------------------------------------------------------------------------------- running log-sum
+
+template <class T>
+void compareAdd()
+{
+    forModels<T>([](const Model<T>& m, Random& random) {
+        std::vector<T> old(m.height);
+        for (std::size_t g = 0; g < m.height; ++g) {
+            old[g] = static_cast<T>(m.score(g).value) + random.uniform(T(-20), T(20));
+        }
+        for (const bool table : {false, true}) {
+            const Guarded<T> dst(old, Guarded<T>::flush(m.height));
+            ASSERT_EQ(table ? Family<T>::addTable(m.meanRows.data(), m.varRows.data(), m.x.data(), m.widthArgument(),
+                                                  m.gconst.data(), dst.data(), m.heightArgument())
+                            : Family<T>::add(m.means.data(), m.vars.data(), m.stepArgument(), m.x.data(),
+                                             m.widthArgument(), m.gconst.data(), dst.data(), m.heightArgument()),
+                      StsNoErr);
+            ASSERT_TRUE(dst.intact());
+            for (std::size_t g = 0; g < m.height; ++g) {
+                const auto score = m.score(g);
+                const long double exact = lyr::oracle::exactLogAdd(old[g], score.value);
+                ASSERT_NEAR(dst[g], asDouble(exact), asDouble(score.bound + lyr::oracle::logAddBound<T>(exact)))
+                    << "Gaussian " << g;
+            }
+        }
+    });
+}
+
+TEST(LogGaussAddMultiMix, Single)
+{
+    compareAdd<float>();
+}
+TEST(LogGaussAddMultiMix, Double)
+{
+    compareAdd<double>();
+}
+
+// The addition itself, to the bit: the score of a frame that equals the mean is the constant.
+TEST(LogGaussAddMultiMix, AddsAsHintZero)
+{
+    Random random(21);
+    const std::vector<float> x(5, 1.0F);
+    const std::vector<float> ones(5 * 230, 1.0F);
+    const auto gconst = random.vector<float>(230, -20, 0);
+    auto dst = random.vector<float>(230, -20, 0);
+    const auto old = dst;
+    ASSERT_EQ(lyrsLogGaussAddMultiMix_32f_D2(ones.data(), ones.data(), 5, x.data(), 5, gconst.data(), dst.data(), 230),
+              StsNoErr);
+    for (std::size_t g = 0; g < 230; ++g) {
+        EXPECT_EQ(dst[g], lyr::oracle::logAddHint(old[g], gconst[g], 0)) << g;
+    }
+}
+
+// --------------------------------------------------------------------------------------------------- mixture as a
+// whole
+
+// How many log-additions the longest way of a score to the total passes: one for each halving of its block, and one for
+// each lane count below, and likewise for the running total in every later block.
+long double additions(std::size_t height)
+{
+    return 9.0L * static_cast<long double>((height + 99) / 100);
+}
+
+// A log-sum moves by no more than the largest of its elements' errors, so that errors of the scores count once and
+// those of the additions as often as one follows the other.
+template <class T>
+void compareMixture()
+{
+    forModels<T>([](const Model<T>& m, Random&) {
+        for (const bool weighted : {false, true}) {
+            std::vector<long double> scores;
+            long double bound = 0;
+            for (std::size_t g = 0; g < m.height; ++g) {
+                const auto score = m.score(g, weighted);
+                scores.push_back(score.value);
+                bound = std::max(bound, score.bound);
+            }
+            const long double exact = lyr::oracle::exactLogSum(scores);
+            bound += m.height == 1 ? 0 : additions(m.height) * lyr::oracle::logAddBound<T>(exact);
+            if (sizeof(T) == 8) { // its chain of additions goes through half of a block
+                bound += static_cast<long double>(m.height) * lyr::oracle::logAddBound<T>(exact);
+            }
+            const Guarded<T> gconst(m.gconst, Guarded<T>::flush(m.height));
+            for (const bool table : {false, true}) {
+                T result = 17;
+                Status status;
+                if (table) {
+                    status = weighted ? Family<T>::mixtureTable(m.x.data(), m.meanRows.data(), m.varRows.data(),
+                                                                m.heightArgument(), m.widthArgument(), gconst.data(),
+                                                                &result)
+                                      : Family<T>::unitTable(m.x.data(), m.meanRows.data(), m.heightArgument(),
+                                                             m.widthArgument(), gconst.data(), &result);
+                } else {
+                    status = weighted
+                                 ? Family<T>::mixture(m.x.data(), m.means.data(), m.vars.data(), m.heightArgument(),
+                                                      m.stepArgument(), m.widthArgument(), gconst.data(), &result)
+                                 : Family<T>::unit(m.x.data(), m.means.data(), m.heightArgument(), m.stepArgument(),
+                                                   m.widthArgument(), gconst.data(), &result);
+                }
+                ASSERT_EQ(status, StsNoErr);
+                ASSERT_NEAR(result, asDouble(exact), asDouble(bound)) << (weighted ? "weighted" : "unit");
+            }
+        }
+    });
+}
+
+TEST(LogGaussMixture, Single)
+{
+    compareMixture<float>();
+}
+TEST(LogGaussMixture, Double)
+{
+    compareMixture<double>();
+}
+
+// A mixture of which every score is its constant, as the frame equals every mean.
+template <class T>
+T sumOf(const std::vector<T>& gconst)
+{
+    const std::vector<T> x(3, T(1));
+    const std::vector<T> ones(3 * gconst.size(), T(1));
+    T result = 17;
+    EXPECT_EQ(Family<T>::mixture(x.data(), ones.data(), ones.data(), static_cast<Elem32s>(gconst.size()), 3, 3,
+                                 gconst.data(), &result),
+              StsNoErr);
+    return result;
+}
+
+// One Gaussian gives its score however low, also where it is alone in its block; two meet the floor.
+template <class T>
+void expectFloor(T low, T lower, T floor)
+{
+    EXPECT_EQ(sumOf<T>({lower}), lower);
+    EXPECT_EQ(sumOf<T>({low, lower}), floor);
+    EXPECT_EQ(sumOf<T>({lower, low}), floor);
+    EXPECT_NEAR(sumOf<T>({lower, lower}), lower + T(0.7), T(1)) << "no floor above the cut-off";
+    for (std::size_t height = 2; height <= 120; ++height) {
+        std::vector<T> gconst(height, lower);
+        EXPECT_NEAR(sumOf(gconst), lower + std::log(T(height)), T(4)) << height << ": no lane meets a floor of its own";
+        gconst.back() = T(-3);
+        EXPECT_EQ(sumOf(gconst), T(-3)) << height;
+    }
+}
+
+TEST(LogGaussMixture, Floor)
+{
+    expectFloor<float>(-5000000.0F, -6000000.0F, -4500000.0F);
+    expectFloor<double>(-2e10, -3e10, -1e10);
+}
+
+// Whatever the height and wherever it stands, a NaN score shows and an infinite one wins.
+template <class T>
+void expectSpecial()
+{
+    const T inf = std::numeric_limits<T>::infinity();
+    for (std::size_t height = 1; height <= 130; ++height) {
+        for (std::size_t at = 0; at<height; at += height> 40 ? 7 : 1) {
+            std::vector<T> gconst(height, T(-2));
+            gconst[at] = std::numeric_limits<T>::quiet_NaN();
+            ASSERT_TRUE(std::isnan(sumOf(gconst))) << at << " of " << height;
+            gconst[at] = inf;
+            ASSERT_EQ(sumOf(gconst), inf) << at << " of " << height;
+            gconst[at] = T(40);
+            ASSERT_EQ(sumOf(gconst), T(40)) << at << " of " << height;
+            gconst[at] = -inf;
+            if (height > 1) {
+                ASSERT_NEAR(sumOf(gconst), std::log(T(height - 1)) - 2, 2e-5) << at << " of " << height;
+            }
+        }
+    }
+}
+
+TEST(LogGaussMixture, SpecialScores)
+{
+    expectSpecial<float>();
+    expectSpecial<double>();
+}
+
+TEST(LogGaussMixture, TheDoubledConstantOverflows)
+{
+    EXPECT_EQ(sumOf<float>({3e38F}), std::numeric_limits<float>::infinity());
+    EXPECT_EQ(sumOf<double>({1.5e308}), std::numeric_limits<double>::infinity());
+    EXPECT_EQ(sumOf<float>({1.5e38F}), 1.5e38F);
+}
+
+// In double precision the additions are those of lyrsLogSum_64f in blocks of 100, the total of each being the first
+// element of the next.
+TEST(LogGaussMixture, DoubleAddsBlocksInOrder)
+{
+    Random random(31);
+    for (std::size_t height = 1; height <= 310; ++height) {
+        const auto gconst = random.vector<double>(height, -20, 0);
+        double total = 0;
+        for (std::size_t first = 0; first < height; first += 100) {
+            std::vector<double> block;
+            if (first != 0) {
+                block.push_back(total);
+            }
+            block.insert(block.end(), gconst.begin() + static_cast<std::ptrdiff_t>(first),
+                         gconst.begin() + static_cast<std::ptrdiff_t>(std::min(first + 100, height)));
+            total = lyr::oracle::logSum64(block.data(), block.size());
+        }
+        ASSERT_EQ(sumOf(gconst), total) << height;
+    }
+}
+
+// Pointers come first here, the stride first in the other families; both meant.
+TEST(LogGaussMixture, OrderOfChecks)
+{
+    const float x = 1;
+    float result = 17;
+    EXPECT_EQ(lyrsLogGaussMixture_32f_D2(nullptr, &x, &x, 1, 1, 2, &x, &result), StsNullPtr);
+    EXPECT_EQ(lyrsLogGaussMixture_32f_D2(&x, &x, &x, 0, 1, 2, &x, &result), StsStep);
+    EXPECT_EQ(lyrsLogGaussMultiMix_32f_D2(nullptr, &x, 1, &x, 2, &result, 1), StsStep);
+    EXPECT_EQ(result, 17.0F);
+}
+
+} // namespace
