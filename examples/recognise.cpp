@@ -222,7 +222,8 @@ int recognisePhrases(const std::string& plot)
             picture.curves.push_back(curve);
         }
     }
-    picture.marks = {all[0].place.first.first, all[0].place.second.first, all[0].place.second.last};
+    picture.marks = {all[0].place.first.first, all[0].place.first.last, all[0].place.second.first,
+                     all[0].place.second.last};
     return draw(picture, plot);
 }
 

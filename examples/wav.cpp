@@ -1,6 +1,9 @@
 #include "wav.hpp"
 
+#include <cerrno>
 #include <cmath>
+#include <cstdio>
+#include <cstring>
 #include <filesystem>
 #include <sndfile.h>
 
@@ -13,6 +16,14 @@ std::optional<Recording> readRecording(const std::string& path, std::string& err
         error = path + ": is a folder";
         return std::nullopt;
     }
+    // The decoder's own words for a file that cannot be opened do not tell why.
+    std::FILE* const readable = std::fopen(path.c_str(), "rb");
+    if (readable == nullptr) {
+        error = path + ": " + std::strerror(errno);
+        return std::nullopt;
+    }
+    std::fclose(readable);
+
     SF_INFO info{};
     SNDFILE* const file = sf_open(path.c_str(), SFM_READ, &info);
     if (file == nullptr) {

@@ -48,23 +48,25 @@ TwoWords findTwoWords(const Matrix& logEnergies)
     float loudest = 0;
     check(lyrsMinMax_32f(loudness.data(), frames, &quietest, &loudest), "lyrsMinMax_32f");
 
-    // Speech begins and ends where the mean log energy passes a quarter of its range.
+    // Speech is where the mean log energy is above a quarter of its range.
     const float threshold = quietest + 0.25F * (loudest - quietest);
-    int first = 0;
-    int last = frames;
-    while (first + 1 < last && loudness[static_cast<std::size_t>(first)] < threshold) {
-        ++first;
-    }
-    while (last - 1 > first && loudness[static_cast<std::size_t>(last - 1)] < threshold) {
-        --last;
-    }
+    const auto trimmed = [&](Stretch stretch) {
+        while (stretch.length() > 1 && loudness[static_cast<std::size_t>(stretch.first)] < threshold) {
+            ++stretch.first;
+        }
+        while (stretch.length() > 1 && loudness[static_cast<std::size_t>(stretch.last - 1)] < threshold) {
+            --stretch.last;
+        }
+        return stretch;
+    };
+    const Stretch speech = trimmed({0, frames});
 
     // The second word begins at the quietest frame of the middle part.
-    const int from = first + (last - first) * 3 / 10;
-    const int to = std::max(from + 1, first + (last - first) * 7 / 10);
+    const int from = speech.first + speech.length() * 3 / 10;
+    const int to = std::max(from + 1, speech.first + speech.length() * 7 / 10);
     const auto valley = std::min_element(loudness.begin() + from, loudness.begin() + to);
     const auto split = static_cast<int>(valley - loudness.begin());
-    return {{first, split}, {split, last}};
+    return {trimmed({speech.first, split}), trimmed({split, speech.last})};
 }
 
 std::vector<float> pooledVariance(const std::vector<Token>& tokens)
