@@ -9,7 +9,7 @@ namespace {
 // compared by their bits: a comparison of numbers raises the invalid flag for a NaN, and the flag is the caller's to
 // look at.
 constexpr Elem32s smallest = 0x00800000; // 2^-126
-constexpr Elem32s largest = 0x7E800000;  // 2^126
+constexpr Elem32s largest = 0x7E000000;  // 2^125: an estimate just below the smallest normal number is zero
 constexpr Elem32s infinity = 0x7F800000;
 
 // The estimate of a zero is an infinity, and their product is the invalid operation that the caller looks for.
