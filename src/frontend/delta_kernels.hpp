@@ -2,6 +2,7 @@
 #pragma once
 
 #include "frame/select.hpp"
+#include "frame/width.hpp"
 #include "frontend/delta_stream.hpp"
 #include "lyrsr.h"
 
@@ -39,7 +40,7 @@ LYR_DECLARE_KERNELS(DeltaKernels, deltaKernels)
 // Rows narrower than the widest vectors that these families use go to the 128-bit kernels at any width: masked stores,
 // and loads of what they stored, cost more than narrow vectors do.
 template <class T>
-constexpr bool isNarrow(Elem32s width)
+LYR_INLINE constexpr bool isNarrow(Elem32s width)
 {
     return static_cast<std::size_t>(width) < 32 / sizeof(T);
 }

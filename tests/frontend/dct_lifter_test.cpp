@@ -1,4 +1,4 @@
-// The DCT with liftering: the records of every form, exactly; the transforms within the rounding of their sums.
+// The DCT with liftering: sizes, records and weights of every form, exactly.
 
 #include "lyrsr.h"
 
@@ -8,13 +8,13 @@
 #include <array>
 #include <cmath>
 #include <cstddef>
-#include <cstring>
 #include <gtest/gtest.h>
 #include <limits>
 #include <string>
 #include <type_traits>
 #include <vector>
 
+#include "dct_forms.hpp"
 #include "oracle/dct_lifter.hpp"
 #include "support/allocation.hpp"
 #include "support/guarded.hpp"
@@ -23,6 +23,7 @@
 
 namespace {
 
+using namespace lyr::test::dct;
 using lyr::test::Guarded;
 using lyr::test::Random;
 using lyr::test::sameBits;
@@ -35,101 +36,6 @@ static_assert(offsetof(DCTLifterState_16s, nLifter) == 0 && offsetof(DCTLifterSt
               offsetof(DCTLifterState_16s, lenCepstrum) == 8 && offsetof(DCTLifterState_16s, hasC0) == 12 &&
               offsetof(DCTLifterState_16s, pLifter) == 16 && offsetof(DCTLifterState_16s, pTmp) == 16 + sizeof(void*) &&
               offsetof(DCTLifterState_16s, pRows) == 16 + 2 * sizeof(void*));
-
-// What all forms of one precision are called with; each takes what it needs.
-struct Arguments
-{
-    Elem32s lenDCT = 23;
-    Elem32s lenCepstrum = 12;
-    Elem32s nLifter = 22;
-    float val = 1.5F;
-    float val0 = 0.75F;
-    std::vector<float> weights{};
-    std::vector<Elem32s> wholeWeights{};
-};
-
-Arguments arguments(Elem32s lenDCT, Elem32s lenCepstrum, Elem32s nLifter = 22)
-{
-    Random random(static_cast<std::uint32_t>(lenDCT * 1000 + lenCepstrum));
-    Arguments a{.lenDCT = lenDCT, .lenCepstrum = lenCepstrum, .nLifter = nLifter};
-    a.weights = random.vector<float>(static_cast<std::size_t>(lenCepstrum), -3, 3);
-    a.wholeWeights = random.vector<Elem32s>(static_cast<std::size_t>(lenCepstrum), -50, 50);
-    return a;
-}
-
-template <class State>
-struct Form
-{
-    const char* name;
-    bool isSine;
-    bool hasC0;
-    bool isWhole;
-    Status (*getSize)(Elem32s, Elem32s, Elem32s*);
-    Status (*init)(State*, const Arguments&);
-    Status (*initAlloc)(State**, const Arguments&);
-
-    [[nodiscard]] std::vector<float> weights(const Arguments& a) const
-    {
-        if (isWhole) {
-            return lyr::oracle::givenWeights(a.wholeWeights, hasC0);
-        }
-        if (!isSine) {
-            return lyr::oracle::givenWeights(a.weights, hasC0);
-        }
-        auto w = lyr::oracle::sineWeights(a.lenCepstrum, a.nLifter, a.val);
-        if (hasC0) {
-            w[0] = a.val0;
-        }
-        return w;
-    }
-};
-
-#define LYR_SINE_FORM(TAG, HAS_C0, STATE, ...)                                                                         \
-    Form<STATE>                                                                                                        \
-    {                                                                                                                  \
-#TAG, true, HAS_C0, false, lyrsDCTLifterGetSize_##TAG,                                                         \
-            [](STATE* s, const Arguments& a) {                                                                         \
-                return lyrsDCTLifterInit_##TAG(s, a.lenDCT, a.lenCepstrum, a.nLifter, __VA_ARGS__);                    \
-            },                                                                                                         \
-            [](STATE** s, const Arguments& a) {                                                                        \
-                return lyrsDCTLifterInitAlloc_##TAG(s, a.lenDCT, a.lenCepstrum, a.nLifter, __VA_ARGS__);               \
-            }       \
-    }
-
-#define LYR_GIVEN_FORM(TAG, HAS_C0, STATE, WEIGHTS, IS_WHOLE)                                                          \
-    Form<STATE>                                                                                                        \
-    {                                                                                                                  \
-#TAG, false, HAS_C0, IS_WHOLE, lyrsDCTLifterGetSize_##TAG,                                                     \
-            [](STATE* s, const Arguments& a) {                                                                         \
-                return lyrsDCTLifterInit_##TAG(s, a.lenDCT, a.WEIGHTS.data(), a.lenCepstrum);                          \
-            },                                                                                                         \
-            [](STATE** s, const Arguments& a) {                                                                        \
-                return lyrsDCTLifterInitAlloc_##TAG(s, a.lenDCT, a.WEIGHTS.data(), a.lenCepstrum);                     \
-            }       \
-    }
-
-const Form<DCTLifterState_32f> single[] = {
-    LYR_SINE_FORM(32f, false, DCTLifterState_32f, a.val),
-    LYR_SINE_FORM(C0_32f, true, DCTLifterState_32f, a.val, a.val0),
-    LYR_GIVEN_FORM(Mul_32f, false, DCTLifterState_32f, weights, false),
-    LYR_GIVEN_FORM(MulC0_32f, true, DCTLifterState_32f, weights, false),
-};
-
-const Form<DCTLifterState_16s> fixed[] = {
-    LYR_SINE_FORM(16s, false, DCTLifterState_16s, a.val),
-    LYR_SINE_FORM(C0_16s, true, DCTLifterState_16s, a.val, a.val0),
-    LYR_GIVEN_FORM(Mul_16s, false, DCTLifterState_16s, weights, false),
-    LYR_GIVEN_FORM(MulC0_16s, true, DCTLifterState_16s, wholeWeights, true),
-};
-
-Status release(DCTLifterState_32f* s)
-{
-    return lyrsDCTLifterFree_32f(s);
-}
-Status release(DCTLifterState_16s* s)
-{
-    return lyrsDCTLifterFree_16s(s);
-}
 
 constexpr struct
 {
@@ -158,26 +64,6 @@ void expectRecord(const State& s, const Form<State>& form, const Arguments& a)
     }
     for (Elem32s j = 0; j < a.lenDCT; ++j) {
         ASSERT_EQ(s.pRows[0][j], 1.0F);
-    }
-}
-
-// The value of a coefficient is within lenDCT + 1 roundings of the exact one, each at most half a unit of the sum of
-// the magnitudes that enter (Higham, Accuracy and Stability of Numerical Algorithms, 2002, section 3.1).
-double errorBound(const lyr::oracle::Coefficient& c, std::size_t lenDCT)
-{
-    constexpr double unit = std::numeric_limits<float>::epsilon() / 2.0;
-    const auto n = static_cast<double>(lenDCT) + 2;
-    return n * unit / (1 - n * unit) * static_cast<double>(c.magnitude) + 1e-44;
-}
-
-template <class S>
-void expectCepstra(const float* y, const std::vector<S>& x, const std::vector<float>& weights, bool hasC0)
-{
-    const int count = static_cast<int>(weights.size()) - 1;
-    for (int k = 0; k < count + (hasC0 ? 1 : 0); ++k) {
-        const int i = k < count ? k + 1 : 0; // the zeroth coefficient comes last
-        const auto c = lyr::oracle::coefficient(x, i, weights[static_cast<std::size_t>(i)]);
-        ASSERT_NEAR(static_cast<double>(y[k]), static_cast<double>(c.value), errorBound(c, x.size())) << k;
     }
 }
 
@@ -470,160 +356,6 @@ TEST(DctLifter, TheLastGivenWeightChangesTwoOutputs)
     EXPECT_EQ(2 * y[0][2], y[1][2]);
     EXPECT_EQ(y[0][3], 22.0F);
     EXPECT_EQ(y[1][3], 44.0F);
-}
-
-// --------------------------------------------------------------------------------------------------------- transform
-
-TEST(DctLifter, TransformOfEveryLength)
-{
-    Random random(51);
-    for (const auto& form : single) {
-        for (Elem32s lenDCT = 1; lenDCT <= 70; ++lenDCT) {
-            for (const Elem32s lenCepstrum : {1, 2, 3, 4, 5, 7, 8, 12, 13, lenDCT}) {
-                if (lenCepstrum > lenDCT) {
-                    continue;
-                }
-                SCOPED_TRACE(std::string(form.name) + ' ' + std::to_string(lenDCT) + ' ' + std::to_string(lenCepstrum));
-                const Arguments a = arguments(lenDCT, lenCepstrum);
-                DCTLifterState_32f* state = nullptr;
-                ASSERT_EQ(form.initAlloc(&state, a), StsNoErr);
-                const auto n = static_cast<std::size_t>(lenDCT);
-                const auto outputs = static_cast<std::size_t>(lenCepstrum) + (form.hasC0 ? 1 : 0);
-                const auto x = random.vector<float>(n, -20, 20);
-                std::vector<float> reference;
-                for (const std::size_t offset :
-                     {std::size_t{0}, std::size_t{4}, std::size_t{8}, std::size_t{12}, Guarded<float>::flush(n)}) {
-                    const Guarded<float> src(x, offset);
-                    const Guarded<float> dst(outputs, Guarded<float>::flush(outputs));
-                    ASSERT_EQ(lyrsDCTLifter_32f(src.data(), dst.data(), state), StsNoErr);
-                    EXPECT_TRUE(dst.intact());
-                    EXPECT_EQ(src.copy(), x);
-                    if (reference.empty()) {
-                        reference = dst.copy();
-                        expectCepstra(reference.data(), x, form.weights(a), form.hasC0);
-                    }
-                    // The same bits whatever the alignment.
-                    ASSERT_EQ(dst.copy(), reference) << offset;
-                }
-                EXPECT_EQ(lyrsDCTLifterFree_32f(state), StsNoErr);
-            }
-        }
-    }
-}
-
-// What stands behind the inputs does not count, even NaN.
-TEST(DctLifter, BytesBehindTheInputsDoNotCount)
-{
-    for (Elem32s lenDCT = 1; lenDCT <= 35; ++lenDCT) {
-        DCTLifterState_32f* state = nullptr;
-        ASSERT_EQ(lyrsDCTLifterInitAlloc_C0_32f(&state, lenDCT, 1, 1, 1.0F, 1.0F), StsNoErr);
-        alignas(64) float x[64];
-        std::fill_n(x, 64, std::numeric_limits<float>::quiet_NaN());
-        std::fill_n(x, lenDCT, 2.0F);
-        float y[2] = {};
-        ASSERT_EQ(lyrsDCTLifter_32f(x, y, state), StsNoErr);
-        EXPECT_EQ(y[1], 2.0F * static_cast<float>(lenDCT));
-        EXPECT_NEAR(y[0], 0.0F, 1e-4F);
-        EXPECT_EQ(lyrsDCTLifterFree_32f(state), StsNoErr);
-    }
-}
-
-Status transform(const Elem16s* src, Elem16s* dst, DCTLifterState_16s* s, Elem32s scale)
-{
-    return lyrsDCTLifter_16s_Sfs(src, dst, s, scale);
-}
-Status transform(const Elem32s* src, Elem16s* dst, DCTLifterState_16s* s, Elem32s scale)
-{
-    return lyrsDCTLifter_32s16s_Sfs(src, dst, s, scale);
-}
-
-// The scratch holds the cepstra in single precision; the outputs are those, scaled, rounded and limited.
-template <class S>
-void compareFixed(S low, S high)
-{
-    Random random(52);
-    for (const auto& form : fixed) {
-        for (Elem32s lenDCT = 1; lenDCT <= 40; ++lenDCT) {
-            const Elem32s lenCepstrum = std::min(lenDCT, 1 + lenDCT % 14);
-            SCOPED_TRACE(std::string(form.name) + ' ' + std::to_string(lenDCT) + ' ' + std::to_string(lenCepstrum));
-            const Arguments a = arguments(lenDCT, lenCepstrum);
-            DCTLifterState_16s* state = nullptr;
-            ASSERT_EQ(form.initAlloc(&state, a), StsNoErr);
-            const auto n = static_cast<std::size_t>(lenDCT);
-            const auto outputs = static_cast<std::size_t>(lenCepstrum) + (form.hasC0 ? 1 : 0);
-            const auto x = random.vector<S>(n, low, high);
-            std::vector<float> cepstra;
-            for (const Elem32s scale : {0, 1, 5, 12, -3, 40, -40}) {
-                for (const std::size_t offset : {std::size_t{0}, sizeof(S), Guarded<S>::flush(n)}) {
-                    const Guarded<S> src(x, offset);
-                    const Guarded<Elem16s> dst(outputs, Guarded<Elem16s>::flush(outputs));
-                    ASSERT_EQ(transform(src.data(), dst.data(), state, scale), StsNoErr);
-                    EXPECT_TRUE(dst.intact());
-                    expectCepstra(state->pTmp, x, form.weights(a), form.hasC0);
-                    // The scale acts in the conversion only.
-                    const std::vector<float> now(state->pTmp, state->pTmp + outputs);
-                    ASSERT_TRUE(cepstra.empty() || now == cepstra);
-                    cepstra = now;
-                    for (std::size_t i = 0; i < outputs; ++i) {
-                        const double scaled = std::ldexp(static_cast<double>(now[i]), -scale);
-                        const double expected = std::clamp(std::nearbyint(scaled), -32768.0, 32767.0);
-                        ASSERT_EQ(dst[i], static_cast<Elem16s>(expected)) << "output " << i << " scale " << scale;
-                    }
-                }
-            }
-            EXPECT_EQ(lyrsDCTLifterFree_16s(state), StsNoErr);
-        }
-    }
-}
-
-TEST(DctLifter, TransformOf16Bits)
-{
-    compareFixed<Elem16s>(-32768, 32767);
-}
-TEST(DctLifter, TransformOf32Bits)
-{
-    compareFixed<Elem32s>(-100000, 100000);
-    compareFixed<Elem32s>(INT32_MIN, INT32_MAX);
-}
-
-// Ties of the last step go to the even number.
-TEST(DctLifter, CepstraAreRoundedToNearestEven)
-{
-    const std::vector<Elem32s> weights{0, 1};
-    DCTLifterState_16s* state = nullptr;
-    ASSERT_EQ(lyrsDCTLifterInitAlloc_MulC0_16s(&state, 2, weights.data(), 2), StsNoErr);
-    for (const auto& [sum, half] : {std::array{5, 2}, {7, 4}, {-5, -2}, {-7, -4}, {3, 2}, {1, 0}}) {
-        const Elem16s x[2] = {static_cast<Elem16s>(sum - 1), 1};
-        Elem16s y[3] = {};
-        ASSERT_EQ(lyrsDCTLifter_16s_Sfs(x, y, state, 1), StsNoErr);
-        EXPECT_EQ(y[2], half) << sum;
-    }
-    EXPECT_EQ(lyrsDCTLifterFree_16s(state), StsNoErr);
-}
-
-TEST(DctLifter, NullPointers)
-{
-    DCTLifterState_32f* s = nullptr;
-    DCTLifterState_16s* t = nullptr;
-    ASSERT_EQ(lyrsDCTLifterInitAlloc_32f(&s, 2, 2, 1, 1.0F), StsNoErr);
-    ASSERT_EQ(lyrsDCTLifterInitAlloc_16s(&t, 2, 2, 1, 1.0F), StsNoErr);
-    const float x[2] = {};
-    float y[2] = {};
-    const Elem32s xi[2] = {};
-    Elem16s yi[2] = {};
-    EXPECT_EQ(lyrsDCTLifter_32f(nullptr, y, s), StsNullPtr);
-    EXPECT_EQ(lyrsDCTLifter_32f(x, nullptr, s), StsNullPtr);
-    EXPECT_EQ(lyrsDCTLifter_32f(x, y, nullptr), StsNullPtr);
-    EXPECT_EQ(lyrsDCTLifter_16s_Sfs(nullptr, yi, t, 0), StsNullPtr);
-    EXPECT_EQ(lyrsDCTLifter_16s_Sfs(yi, nullptr, t, 0), StsNullPtr);
-    EXPECT_EQ(lyrsDCTLifter_16s_Sfs(yi, yi, nullptr, 0), StsNullPtr);
-    EXPECT_EQ(lyrsDCTLifter_32s16s_Sfs(nullptr, yi, t, 0), StsNullPtr);
-    EXPECT_EQ(lyrsDCTLifter_32s16s_Sfs(xi, nullptr, t, 0), StsNullPtr);
-    EXPECT_EQ(lyrsDCTLifter_32s16s_Sfs(xi, yi, nullptr, 0), StsNullPtr);
-    EXPECT_EQ(lyrsDCTLifterFree_32f(nullptr), StsNullPtr);
-    EXPECT_EQ(lyrsDCTLifterFree_16s(nullptr), StsNullPtr);
-    EXPECT_EQ(lyrsDCTLifterFree_32f(s), StsNoErr);
-    EXPECT_EQ(lyrsDCTLifterFree_16s(t), StsNoErr);
 }
 
 } // namespace
