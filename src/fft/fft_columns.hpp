@@ -6,8 +6,8 @@
 
 namespace lyr::LYR_NS::fft {
 
-using lyr::fft::isLastPass;
-using lyr::fft::passBits;
+using lyr::fft::lastBits;
+using lyr::fft::middleBits;
 using lyr::fft::passTwiddles;
 using lyr::fft::reverseBits;
 
@@ -67,21 +67,20 @@ LYR_INLINE void columnPass(Source source, float* rows, int logN, const float* tw
 template <class V, class Source>
 void transformColumns(Source source, float* rows, int logN, const float* twiddles)
 {
-    switch (logN) {
-    case 2:
+    static_assert(lastBits <= 4 && lastBits - middleBits >= 1);
+    if (logN == 2) {
         return columnPass<2, true, V>(source, rows, logN, twiddles);
-    case 3:
-        return columnPass<3, true, V>(source, rows, logN, twiddles);
-    case 4:
-        return columnPass<4, true, V>(source, rows, logN, twiddles);
-    default:
-        break;
     }
-    constexpr int bits = 3;
-    columnPass<bits, false, V>(source, rows, logN, twiddles);
-    for (int part = 0; part < 1 << bits; ++part) {
-        float* const first = rows + (static_cast<std::ptrdiff_t>(part) << (logN - bits)) * rowFloats<V>;
-        transformColumns<V>(Rows<V>{first}, first, logN - bits, twiddles + 2 * passTwiddles(logN));
+    if (logN == 3) {
+        return columnPass<3, true, V>(source, rows, logN, twiddles);
+    }
+    if (logN == lastBits) {
+        return columnPass<lastBits, true, V>(source, rows, logN, twiddles);
+    }
+    columnPass<middleBits, false, V>(source, rows, logN, twiddles);
+    for (int part = 0; part < 1 << middleBits; ++part) {
+        float* const first = rows + (static_cast<std::ptrdiff_t>(part) << (logN - middleBits)) * rowFloats<V>;
+        transformColumns<V>(Rows<V>{first}, first, logN - middleBits, twiddles + 2 * passTwiddles(logN));
     }
 }
 

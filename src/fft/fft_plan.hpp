@@ -68,11 +68,13 @@ LYR_INLINE constexpr Plan planOf(int order, int widest)
     return {1 << logLanes, logM, logPart / 2, logPart - logPart / 2, splits};
 }
 
-// The radix of the next pass over columns of length 2^logN, as its logarithm. The last pass, which is the one without
-// twiddles, is at most 16.
+// Columns are transformed by passes of radix 8, and a last one, which is without twiddles, of up to 16. Logarithms:
+inline constexpr int middleBits = 3;
+inline constexpr int lastBits = 4;
+
 LYR_INLINE constexpr int passBits(int logN)
 {
-    return logN <= 4 ? logN : 3;
+    return logN <= lastBits ? logN : middleBits;
 }
 LYR_INLINE constexpr bool isLastPass(int logN)
 {
