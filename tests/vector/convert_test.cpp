@@ -338,18 +338,23 @@ TEST(ConvertToIntegers, OverflowLeavesTheControlWordAndTheInvalidFlagAlone)
     }
 }
 
+// At lengths that end with an overlapping register, and at those that begin with a short one.
 TEST(ConvertToIntegers, InPlace)
 {
-    alignas(16) std::array<float, 37> x{};
-    std::array<Elem32s, 37> expected{};
-    for (std::size_t i = 0; i < x.size(); ++i) {
-        x[i] = static_cast<float>(i) * 1.5F - 20.0F;
-        expected[i] = lyr::oracle::convert32f32s(x[i], 1, 0);
-    }
-    auto* const ints = reinterpret_cast<Elem32s*>(x.data());
-    ASSERT_EQ(lyrsConvert_32f32s_Sfs(x.data(), ints, 37, 1, 0), StsNoErr);
-    for (std::size_t i = 0; i < x.size(); ++i) {
-        EXPECT_EQ(std::bit_cast<Elem32s>(x[i]), expected[i]) << i;
+    for (const std::size_t len : {3U, 37U, 193U, 300U}) {
+        std::vector<float> x(len);
+        for (std::size_t i = 0; i < len; ++i) {
+            x[i] = static_cast<float>(i) * 1.5F - 20.0F;
+        }
+        for (const std::size_t offset : {0U, 4U, 28U, 48U}) {
+            const lyr::test::Guarded<float> both(x, offset);
+            auto* const ints = reinterpret_cast<Elem32s*>(both.data());
+            ASSERT_EQ(lyrsConvert_32f32s_Sfs(both.data(), ints, static_cast<Elem32s>(len), 1, 0), StsNoErr);
+            for (std::size_t i = 0; i < len; ++i) {
+                ASSERT_EQ(std::bit_cast<Elem32s>(both[i]), lyr::oracle::convert32f32s(x[i], 1, 0))
+                    << i << " of " << len;
+            }
+        }
     }
 }
 

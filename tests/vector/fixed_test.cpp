@@ -172,6 +172,17 @@ TEST(Magnitude32sc, EveryLengthAndOffset)
     }
 }
 
+// Each square is rounded, and then the sum: fused, this one would come out one higher.
+TEST(Magnitude32sc, RoundsTheSquaresOneByOne)
+{
+    const std::vector<Elem32sc> z(9, {98601635, 42829119});
+    std::vector<Elem32s> y(z.size());
+    ASSERT_EQ(lyrsMagnitude_32sc_Sfs(z.data(), y.data(), 9, -4), StsNoErr);
+    for (const Elem32s m : y) {
+        EXPECT_EQ(m, 1720027226);
+    }
+}
+
 TEST(Magnitude32sc, BeyondTheWorkingRangeOnlyZeroOrNotDecides)
 {
     const std::array<Elem32sc, 4> z{{{0, 0}, {0, -1}, {INT32_MIN, 0}, {3, 4}}};

@@ -110,6 +110,20 @@ TYPED_TEST(SumLn, OnesAndExactInversesGiveZero)
     EXPECT_EQ(sum, T(0));
 }
 
+// A sum near zero has the accuracy of its own size, not of the exponents and mantissas that it is made of.
+TYPED_TEST(SumLn, NothingCancelsNearOne)
+{
+    using T = TypeParam;
+    const T little = std::ldexp(T(1), sizeof(T) == 4 ? -20 : -40);
+    for (const T v : {1 + little, 1 - little}) {
+        for (const std::vector<T>& x : {std::vector<T>{v}, std::vector<T>{T(4), v, T(0.25)}}) {
+            T sum = -1;
+            ASSERT_EQ(sumLn(x.data(), x.size(), &sum), StsNoErr);
+            EXPECT_TRUE(lyr::test::withinUlps(sum, static_cast<T>(std::log(static_cast<long double>(v))), 2));
+        }
+    }
+}
+
 // Each class of element without a logarithm, at each place, among subnormal elements and ahead of every other class.
 TYPED_TEST(SumLn, TheFirstElementWithoutALogarithmDecides)
 {
