@@ -92,7 +92,7 @@ int ParamErr32f(const Elem32f* pSrc, const Elem32f* pSrcDst, Elem32s len) noexce
 // The difference wraps in 32 bits, so that operands far apart pass or fail the other way round: meant.
 int ParamErr32s(const Elem32s* pSrc, const Elem32s* pSrcDst, Elem32s len) noexcept
 {
-    return anyNotBelow(pSrc, pSrcDst, len, wrappingSub);
+    return anyNotBelow(pSrc, pSrcDst, len, [](Elem32s b, Elem32s a) { return wrappingSub(b, a); });
 }
 
 int ParamErr16s(const Elem16s* pSrc, const Elem16s* pSrcDst, Elem32s len) noexcept
