@@ -2,7 +2,7 @@
 //
 // For vectors of a register's width, and for those of 128 bits that the sums keep as accumulators at every width. An
 // element gets the same arithmetic in every lane. Steps are fused only where the result is rounded to a lower precision
-// afterwards, or where a sum promises no order; else the bits are the same at every width.
+// afterwards; else the bits are the same at every width.
 #pragma once
 
 #include "frame/simd.hpp"
@@ -178,20 +178,6 @@ LYR_INLINE V evenOdd(const CoefficientRows<T, N>& rows, I interval, V t)
     return N % 2 == 0 ? Step::mulAdd(first, t, second) : Step::mulAdd(second, t, first);
 }
 
-// p(t) of degree 10 by pairs, pairs of pairs and so on (Estrin, 1960): the shortest chain of dependent steps.
-template <class V, class I, class T>
-LYR_INLINE V byPairs(const CoefficientRows<T, 11>& rows, I interval, V t)
-{
-    const auto pair = [&](int power) LYR_INLINE_LAMBDA {
-        return mulAdd(choose<V>(rows.power[9 - power], interval), t, choose<V>(rows.power[10 - power], interval));
-    };
-    const V t2 = t * t;
-    const V t4 = t2 * t2;
-    const V t8 = t4 * t4;
-    const V low = mulAdd(mulAdd(pair(6), t2, pair(4)), t4, mulAdd(pair(2), t2, pair(0)));
-    return mulAdd(mulAdd(choose<V>(rows.power[0], interval), t2, pair(8)), t8, low);
-}
-
 #if LYR_WIDTH == 512
 namespace detail {
 LYR_INLINE I32 intervalOf(F32 d, F32 near, F32 middle)
@@ -274,15 +260,6 @@ LYR_INLINE V logAddSingle(V a, V b)
     const auto interval = step.interval(singleLogAdd);
     const V t = step.t(singleLogAdd);
     return step.result(step.larger + horner(singleRows, interval, t), singleLogAdd);
-}
-
-// As logAddSingle, but for where the polynomial is rounded: within 8 units of single precision of the term.
-LYR_INLINE F32 logAddFast(F32 a, F32 b)
-{
-    const LogAddStep<Elem32f, F32> step(a, b, singleLogAdd);
-    const auto interval = step.interval(singleLogAdd);
-    const F32 t = step.t(singleLogAdd);
-    return step.result(step.larger + byPairs(singleRows, interval, t), singleLogAdd);
 }
 
 // t in single precision, the polynomial and the sum in double precision, the result rounded to single: it differs

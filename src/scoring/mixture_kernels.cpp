@@ -27,46 +27,33 @@ void best(Rows means, Weights vars, const T* x, Elem32s width, const T* gconst, 
 }
 
 // Scores go in blocks of 100 through a buffer on the stack, so that no size of mixture costs an allocation. What a
-// block comes down to stands ahead of the next one and is summed with it. A mixture of one Gaussian gets its score as
-// it is.
+// block comes down to stands in the slot ahead of the next one and is summed with it, in the order of lyrsLogSum_*: a
+// chain that is part of the result. A mixture of one Gaussian gets its score as it is.
 constexpr Elem32s blockHeight = 100;
-
-// In single precision a block comes down to a register of totals, and only the last one to a single total.
-LYR_INLINE int reduce(Elem32f* x, int len)
-{
-    return logSumToRegister(x, len);
-}
-LYR_INLINE Elem32f total(const Elem32f* x, int len)
-{
-    return logSumOfRegister(x, len);
-}
-
-// In double precision it comes down to one total, in the order of lyrsLogSum_64f.
-LYR_INLINE int reduce(Elem64f* x, int len)
-{
-    x[0] = logSum(x, len);
-    return 1;
-}
-LYR_INLINE Elem64f total(const Elem64f* x, int /*len*/)
-{
-    return x[0];
-}
 
 template <class A, class Rows, class Weights, class T>
 T mixture(Rows means, Weights vars, const T* x, Elem32s width, const T* gconst, Elem32s height)
 {
-    alignas(64) T totalsAndBlock[lanes<VectorOf<T>> + blockHeight] = {};
-    int totals = 0;
+    // The block is aligned, the slot the element ahead of it.
+    constexpr int slot = lanes<VectorOf<T>> - 1;
+    alignas(64) T slotAndBlock[slot + 1 + blockHeight];
+    T* const block = slotAndBlock + slot + 1;
+    T total{};
     for (Elem32s first = 0; first < height;) {
         const Elem32s n = height - first < blockHeight ? height - first : blockHeight;
-        scoreRows<A, T>(
-            means.from(first), x, vars.from(first), width, n,
-            [block = totalsAndBlock + totals, constants = gconst + first]<class D>(std::ptrdiff_t g, D distances)
-                LYR_INLINE_LAMBDA { put(block + g, Doubled<T, D>{get<D>(constants + g)}.score(distances)); });
-        totals = reduce(totalsAndBlock, totals + n);
+        scoreRows<A, T>(means.from(first), x, vars.from(first), width, n,
+                        [block, constants = gconst + first]<class D>(std::ptrdiff_t g, D distances) LYR_INLINE_LAMBDA {
+                            put(block + g, Doubled<T, D>{get<D>(constants + g)}.score(distances));
+                        });
+        if (first == 0) {
+            total = logSum(block, n);
+        } else {
+            slotAndBlock[slot] = total;
+            total = logSum(slotAndBlock + slot, n + 1);
+        }
         first += n;
     }
-    return total(totalsAndBlock, totals);
+    return total;
 }
 
 template <class Rows, class T = ElementOf<Rows>>
