@@ -98,10 +98,11 @@ template <class State>
 Status getSize(Elem32s lenDCT, Elem32s lenCepstrum, Elem32s* pSize)
 {
     LYR_CHECK(pointers(pSize), dimensions(lenDCT, lenCepstrum));
-    // In 64 bits first: a table that a 32-bit size cannot tell is too large to ask for.
+    // A state that a 32-bit size cannot tell is too large to ask for: each row has cosines, its pointer, and up to two
+    // singles in the other arrays.
     const Elem64s rows = Elem64s{lenCepstrum} + 1;
-    const Elem64s tableBytes = rows * ((Elem64s{lenDCT} + 7) / 8 * 32 + Elem64s{sizeof(void*)});
-    LYR_CHECK(require(tableBytes + 2 * 4 * rows < INT32_MAX - 1024, StsSize));
+    const Elem64s rowBytes = (Elem64s{lenDCT} + 7) / 8 * 32 + Elem64s{sizeof(void*) + 2 * sizeof(Elem32f)};
+    LYR_CHECK(require(rows <= (INT32_MAX - 1024) / rowBytes, StsSize));
     *pSize = static_cast<Elem32s>(headBytes<State>(lenCepstrum) + lyr::GetSize2_32f(lenCepstrum + 1, lenDCT));
     return StsNoErr;
 }
