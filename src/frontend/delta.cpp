@@ -137,7 +137,7 @@ Status lyrsDeltaDelta_Win2_16s_D2Sfs(const Elem16s* pSrc, Elem32s width, Elem16s
 {
     LYR_CHECK(pointers(pSrc, pDst), frames(width, height, deltaMode), columns(3, width, dstStep),
               history(6, height, deltaMode));
-    const DeltaStream stream{pSrc, pDst, dstStep, width, height, deltaMode};
+    const DeltaStream<Elem16s> stream{pSrc, pDst, dstStep, width, height, deltaMode};
     const ScalarGains gains{valD, valDD};
     // This member alone, and from this width on, sums its differences in 32 bits: meant, and seen where the sum of the
     // others saturates.
