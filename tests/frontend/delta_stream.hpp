@@ -80,7 +80,7 @@ inline std::vector<float> frameData(Random& random, std::size_t n, float /*tag*/
     constexpr float odd[] = {0.0F,   -0.0F,   1e-40F, -1e-39F, std::numeric_limits<float>::infinity(),
                              -3e38F, 3.4e38F, 1e-45F};
     for (std::size_t i = 0; i < n; i += 97) {
-        x[i] = odd[random.uniform<std::size_t>(0, 7)];
+        x[i] = odd[static_cast<std::size_t>(random.uniform(0, 7))];
     }
     return x;
 }
