@@ -30,7 +30,9 @@ std::vector<float> uniform(std::size_t n, float low, float high, unsigned seed)
     return v;
 }
 
-// Frames and means around zero, variances around one: scores that a mixture's log-sum has to take seriously.
+// Frames and means around zero, up to `spread` from it, variances around one. With a spread of 1 all scores of a
+// mixture lie within the reach of its log-sum; with 4 they are tens apart, as those of trained models are, and few
+// count.
 struct Model
 {
     int height;
@@ -44,10 +46,10 @@ struct Model
     std::vector<float> products;
     std::vector<float> offsets;
 
-    Model(int gaussians, int dimension)
-        : height(gaussians), width(dimension), x(uniform(size(1), -1, 1, 1)), means(uniform(size(height), -1, 1, 2)),
-          vars(uniform(size(height), 0.5F, 2, 3)), gconst(uniform(static_cast<std::size_t>(height), -60, -50, 4)),
-          halves(vars), products(vars), offsets(gconst)
+    Model(int gaussians, int dimension, float spread = 1)
+        : height(gaussians), width(dimension), x(uniform(size(1), -spread, spread, 1)),
+          means(uniform(size(height), -spread, spread, 2)), vars(uniform(size(height), 0.5F, 2, 3)),
+          gconst(uniform(static_cast<std::size_t>(height), -60, -50, 4)), halves(vars), products(vars), offsets(gconst)
     {
         for (std::size_t i = 0; i < vars.size(); ++i) {
             halves[i] = -0.5F * vars[i];
@@ -72,26 +74,40 @@ float eigenLogSum(const Eigen::VectorXf& scores)
 }
 #endif
 
-void mixture(benchmark::State& state)
+// One frame against all Gaussians: what the frame scores under each of them, or, `whole`, under their mixture.
+template <bool whole>
+void gaussians(benchmark::State& state)
 {
-    const Model model(static_cast<int>(state.range(0)), static_cast<int>(state.range(1)));
+    const Model model(static_cast<int>(state.range(0)), static_cast<int>(state.range(1)),
+                      static_cast<float>(state.range(2)));
     const int height = model.height;
     const int width = model.width;
     float ours = 0;
-    std::vector<Contender> contenders{{"ours",
-                                       [&] {
-                                           lyrsLogGaussMixture_32f_D2(model.x.data(), model.means.data(),
-                                                                      model.vars.data(), height, width, width,
-                                                                      model.gconst.data(), &ours);
-                                       },
-                                       [&] { return ours; }}};
+    std::vector<float> ourScores(static_cast<std::size_t>(height));
+    const auto plainTotal = [height](const std::vector<float>& each) {
+        return whole ? plain::logSum(each.data(), height) : each.back();
+    };
+    std::vector<Contender> contenders{
+        {"ours",
+         [&] {
+             if constexpr (whole) {
+                 lyrsLogGaussMixture_32f_D2(model.x.data(), model.means.data(), model.vars.data(), height, width, width,
+                                            model.gconst.data(), &ours);
+             } else {
+                 ourScores = model.gconst;
+                 lyrsLogGaussMultiMix_32f_D2(model.means.data(), model.vars.data(), width, model.x.data(), width,
+                                             ourScores.data(), height);
+                 ours = ourScores.back();
+             }
+         },
+         [&] { return ours; }}};
     float plainResult = 0;
     std::vector<float> scores(static_cast<std::size_t>(height));
     contenders.push_back({"plain",
                           [&] {
                               plain::scoreMixture(model.x.data(), model.means.data(), model.vars.data(),
                                                   model.gconst.data(), height, width, width, scores.data());
-                              plainResult = plain::logSum(scores.data(), height);
+                              plainResult = plainTotal(scores);
                           },
                           [&] { return plainResult; }});
 #if LYRSR_HAVE_OPENBLAS
@@ -108,7 +124,7 @@ void mixture(benchmark::State& state)
                                           squares.data(), 1, 1, blasScores.data(), 1);
                               cblas_sgemv(CblasRowMajor, CblasNoTrans, height, width, 1, model.products.data(), width,
                                           model.x.data(), 1, 1, blasScores.data(), 1);
-                              blasResult = plain::logSum(blasScores.data(), height);
+                              blasResult = plainTotal(blasScores);
                           },
                           [&] { return blasResult; }});
 #endif
@@ -128,7 +144,7 @@ void mixture(benchmark::State& state)
          [&] {
              eigenScores =
                  gconst - 0.5F * ((means.rowwise() - x).array().square() * vars.array()).rowwise().sum().matrix();
-             eigenResult = eigenLogSum(eigenScores);
+             eigenResult = whole ? eigenLogSum(eigenScores) : eigenScores[height - 1];
          },
          [&] { return eigenResult; }});
     contenders.push_back({"eigen_expanded",
@@ -137,7 +153,7 @@ void mixture(benchmark::State& state)
                               eigenScores = offsets;
                               eigenScores.noalias() += halves * square;
                               eigenScores.noalias() += products * x.transpose();
-                              expandedResult = eigenLogSum(eigenScores);
+                              expandedResult = whole ? eigenLogSum(eigenScores) : eigenScores[height - 1];
                           },
                           [&] { return expandedResult; }});
 #endif
@@ -145,7 +161,8 @@ void mixture(benchmark::State& state)
     // Means and inverse variances are read once.
     state.counters["GB/s"] = static_cast<double>(2 * sizeof(float) * model.means.size()) / state.counters["ours"].value;
 }
-BENCHMARK(mixture)->ArgsProduct({{16, 512, 10000}, {39}});
+BENCHMARK(gaussians<false>)->Name("each_gaussian")->ArgsProduct({{16, 512, 10000}, {39}, {1}});
+BENCHMARK(gaussians<true>)->Name("mixture")->ArgsProduct({{16, 512, 10000}, {39}, {1, 4}});
 
 void frames(benchmark::State& state)
 {
