@@ -16,6 +16,8 @@ struct Columns
     Elem32s width;
     std::ptrdiff_t first = 0;
 };
+template <class Rows>
+Columns(Rows, Elem32s, Elem32s) -> Columns<Rows>;
 
 // sums[c] += sum over r of w[r] * x[r][c] and squares[c] += sum over r of w[r] * x[r][c]^2 in precision T, in any order
 // of additions. Weights are null, and one, in the unweighted kernels; `sums` or `squares` is null in a kernel that does

@@ -147,7 +147,7 @@ TEST(MeanVarColumn, Singles)
 TEST(MeanVarColumn, SinglesRoundStepByStep)
 {
     Random random(4);
-    for (const std::size_t height : {2, 3, 7, 10, 49, 98, 103, 161}) {
+    for (const std::size_t height : std::initializer_list<std::size_t>{2, 3, 7, 10, 49, 98, 103, 161}) {
         const Shape shape{height, 37, 2, 4};
         FeatureRows<float> x(shape, random, 0.0F, 0.0F);
         for (std::size_t i = 0; i < height * shape.step() - shape.gap; ++i) {
@@ -300,7 +300,7 @@ TEST(MeanVarColumn, ShortsRoundStepByStep)
 TEST(MeanVarColumn, ShortsOfTheWholeRange)
 {
     Random random(8);
-    for (const std::size_t height : {2, 5, 33, 1003}) {
+    for (const std::size_t height : std::initializer_list<std::size_t>{2, 5, 33, 1003}) {
         const Shape shape{height, 45, 1, 2};
         const FeatureRows<Elem16s> x(shape, random, INT16_MIN, INT16_MAX);
         for (const Layout layout : bothLayouts) {

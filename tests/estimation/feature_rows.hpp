@@ -49,11 +49,11 @@ inline std::vector<Shape> shapes(std::size_t unit, std::size_t leastHeight)
         }
         all.push_back({std::max(leastHeight, heights[n % 12]), width, (16 - width % 16) % 16, 0}); // aligned rows
     }
-    for (const std::size_t width : {127, 128, 129, 255, 256, 257, 300, 513, 600}) {
+    for (const int width : {127, 128, 129, 255, 256, 257, 300, 513, 600}) {
         all.push_back({19, static_cast<std::size_t>(width), 0, 0});
         all.push_back({130, static_cast<std::size_t>(width), 3, unit});
     }
-    for (const std::size_t width : {1, 13, 16, 26, 39, 63, 65, 100}) {
+    for (const int width : {1, 13, 16, 26, 39, 63, 65, 100}) {
         all.push_back({1003, static_cast<std::size_t>(width), 1, 0});
     }
     return all;

@@ -52,7 +52,8 @@ std::vector<T> numbers(std::size_t n)
 {
     std::vector<T> v(n);
     for (std::size_t k = 0; k < n; ++k) {
-        v[k] = static_cast<T>(k % 2 == 0 ? 100 + k : -50 - static_cast<int>(k));
+        const int i = static_cast<int>(k);
+        v[k] = static_cast<T>(i % 2 == 0 ? 100 + i : -50 - i);
     }
     return v;
 }
