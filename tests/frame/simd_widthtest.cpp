@@ -331,10 +331,28 @@ TEST(Reduction, SeveralVectorsAtOnce)
     EXPECT_EQ(four[1], 2 * L);
     EXPECT_EQ(four[2], -3 * L);
     EXPECT_EQ(four[3], L / 2);
-    double two[2];
-    _mm_storeu_pd(two, sumEach(splat(1.0), splat(-2.0)));
-    EXPECT_EQ(two[0], lanes<F64>);
-    EXPECT_EQ(two[1], -2 * lanes<F64>);
+}
+
+template <class T>
+void checkSumEach()
+{
+    using V = VectorOf<T>;
+    constexpr int L = lanes<V>;
+    for (int k = 0; k < L; ++k) {
+        for (int lane = 0; lane < L; ++lane) {
+            V vectors[L] = {};
+            vectors[k][lane] = T{3};
+            std::vector<T> expected(static_cast<std::size_t>(L), T{0});
+            expected[static_cast<std::size_t>(k)] = T{3};
+            expectLanes<T>(sumEach(vectors), expected);
+        }
+    }
+}
+
+TEST(Reduction, AsManyVectorsAsLanes)
+{
+    checkSumEach<float>();
+    checkSumEach<double>();
 }
 
 } // namespace
