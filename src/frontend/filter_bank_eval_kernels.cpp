@@ -8,12 +8,48 @@ namespace {
 
 // ---------------------------------------------------------------------------------------------------------- products
 
+// A vector of zeros but for the low 128 bits.
+#if LYR_WIDTH == 128
+LYR_INLINE F32 firstLane(__m128 v)
+{
+    return v;
+}
+LYR_INLINE U64 firstLane(__m128i v)
+{
+    return as<U64>(v);
+}
+#elif LYR_WIDTH == 256
+LYR_INLINE F32 firstLane(__m128 v)
+{
+    return _mm256_zextps128_ps256(v);
+}
+LYR_INLINE U64 firstLane(__m128i v)
+{
+    return as<U64>(_mm256_zextsi128_si256(v));
+}
+#else
+LYR_INLINE F32 firstLane(__m128 v)
+{
+    return _mm512_zextps128_ps512(v);
+}
+LYR_INLINE U64 firstLane(__m128i v)
+{
+    return as<U64>(_mm512_zextsi128_si512(v));
+}
+#endif
+
+LYR_INLINE __m128i quad(unsigned long long x)
+{
+    return _mm_loadl_epi64(reinterpret_cast<const __m128i*>(&x));
+}
+
 // Products of weights and bins, added to lane sums; and how the weights of either side, the lower centre's own aside,
 // stand in memory.
 struct Singles
 {
     using Sum = F32;
     using Rows = Aligned;
+    static LYR_INLINE F32 first(Elem32f weight, Elem32f x) { return firstLane(_mm_set_ss(weight * x)); }
     static LYR_INLINE F32 add(F32 sum, F32 weight, F32 x) { return mulAdd(weight, x, sum); }
 };
 
@@ -42,9 +78,14 @@ struct WideProducts
 {
     using Sum = U64;
     using Rows = Aligned;
+    static LYR_INLINE U64 first(Elem32s weight, Elem32s x) { return firstLane(quad(one(weight, x))); }
     static LYR_INLINE U64 add(U64 sum, I32 weight, I32 x)
     {
         return sum + multiplyEven(weight, x) + multiplyOdd(weight, x);
+    }
+    static LYR_INLINE unsigned long long one(Elem64s weight, Elem32s x)
+    {
+        return static_cast<unsigned long long>(weight * x);
     }
 };
 
@@ -52,6 +93,7 @@ struct WrappedProducts
 {
     using Sum = U64;
     using Rows = Aligned;
+    static LYR_INLINE U64 first(Elem32s weight, Elem32s x) { return firstLane(quad(one(weight, x))); }
     static LYR_INLINE U64 add(U64 sum, I32 weight, I32 x)
     {
         constexpr unsigned long long sign = 0x80000000U;
@@ -60,6 +102,10 @@ struct WrappedProducts
         const U64 odd = ((product >> 32) ^ sign) - sign;
         return sum + even + odd;
     }
+    static LYR_INLINE unsigned long long one(Elem32s weight, Elem32s x)
+    {
+        return static_cast<unsigned long long>(Elem64s{wrappingMul(weight, x)});
+    }
 };
 
 // Each product shifted right by 8, toward minus infinity, before it is added.
@@ -67,6 +113,7 @@ struct ShiftedProducts
 {
     using Sum = U64;
     using Rows = Unaligned;
+    static LYR_INLINE U64 first(Elem32s weight, Elem32s x) { return firstLane(quad(one(weight, x))); }
     static LYR_INLINE U64 shift(U64 product)
     {
         constexpr unsigned long long sign = 1ULL << 63;
@@ -76,15 +123,28 @@ struct ShiftedProducts
     {
         return sum + shift(multiplyEven(weight, x)) + shift(multiplyOdd(weight, x));
     }
+    static LYR_INLINE unsigned long long one(Elem64s weight, Elem32s x)
+    {
+        return static_cast<unsigned long long>(weight * x >> 8);
+    }
 };
 
 LYR_INLINE Elem64s sumLanes(U64 v)
 {
-    unsigned long long total = 0;
-    for (int k = 0; k < lanes<U64>; ++k) {
-        total += v[k];
-    }
-    return static_cast<Elem64s>(total);
+#if LYR_WIDTH == 512
+    const __m512i all = as<__m512i>(v);
+    const __m256i half = _mm256_add_epi64(_mm512_castsi512_si256(all), _mm512_extracti64x4_epi64(all, 1));
+#elif LYR_WIDTH == 256
+    const __m256i half = as<__m256i>(v);
+#endif
+#if LYR_WIDTH == 128
+    const __m128i two = as<__m128i>(v);
+#else
+    const __m128i two = _mm_add_epi64(_mm256_castsi256_si128(half), _mm256_extracti128_si256(half, 1));
+#endif
+    Elem64s sum = 0;
+    _mm_storel_epi64(reinterpret_cast<__m128i*>(&sum), _mm_add_epi64(two, _mm_unpackhi_epi64(two, two)));
+    return sum;
 }
 
 // ------------------------------------------------------------------------------------------------------------ sweep
@@ -114,83 +174,115 @@ LYR_INLINE I32 loadSourceTail(const Elem16s* p, int n)
     return loadWideTail(p, n);
 }
 
-template <class Sum>
-struct GapSums
+// Filter after filter. Between two centres the right side of one filter and the left side of the next lie on the same
+// bins, so that each vector of bins is loaded once for two; what the left side has come to waits for its turn.
+template <class Product, class Weight, class S>
+class Sweep
 {
-    Sum left;
-    Sum right;
+public:
+    using Sum = typename Product::Sum;
+
+    LYR_INLINE Sweep(const BankView<Weight>& bank, const S* spectrum)
+        : centers(bank.centers), left(bank.left), right(bank.right), src(spectrum)
+    {
+        // No filter ends here; the row in its place costs nothing and its sum is dropped.
+        cross(0, right[0]);
+    }
+
+    // The lane sums of filter f, counted from 0; to be called for one filter after the other. Behind the last filter
+    // there is one more left row.
+    LYR_INLINE Sum filter(std::ptrdiff_t f) { return cross(f + 1, right[f]); }
+
+private:
+    // The bins above centre g up to the next centre, and centre g itself for the left side.
+    LYR_INLINE Sum cross(std::ptrdiff_t g, const Weight* falling)
+    {
+        using V = VectorOf<Weight>;
+        using Rows = typename Product::Rows;
+        constexpr int L = lanes<V>;
+        const Elem32s centre = centers[g];
+        const Weight* rising = left[g];
+        const S* x = src + centre;
+        int count = centers[g + 1] - centre;
+        Sum ending = started;
+        started = Product::first(*rising, *x);
+        ++rising;
+        ++x;
+        for (; count >= L; count -= L, rising += L, falling += L, x += L) {
+            const V bins = loadSource(x);
+            ending = Product::add(ending, load<Rows>(falling), bins);
+            started = Product::add(started, load<Rows>(rising), bins);
+        }
+        if (LYR_WIDTH != 128 || count != 0) { // the wider tails may be empty
+            const V bins = loadSourceTail(x, count);
+            ending = Product::add(ending, loadTail<Rows>(falling, count), bins);
+            started = Product::add(started, loadTail<Rows>(rising, count), bins);
+        }
+        return ending;
+    }
+
+    const Elem32s* centers;
+    const Weight* const* left;
+    const Weight* const* right;
+    const S* src;
+    Sum started{};
 };
 
-// The bins above centre g up to the next centre, as far as there are any: the left side of one filter and the right
-// side of the one before lie on the same bins, so that each vector of bins is loaded once for two.
-template <class A, class Product, class Weight, class S>
-LYR_INLINE void addBins(GapSums<typename Product::Sum>& sums, const Weight* left, const Weight* right, const S* src,
-                        std::ptrdiff_t count)
+// All centres lie in the spectrum, none below the one before. That is not so if a caller has set the last but one to
+// what it likes, or if a frequency was no number.
+LYR_INLINE bool areOrdered(const Elem32s* centers, Elem32s nFilter, Elem32s top)
 {
-    constexpr int L = lanes<VectorOf<Weight>>;
+    constexpr int L = lanes<I32>;
+    I32 falls = I32{centers[0]} < I32{};
     std::ptrdiff_t i = 0;
-    for (; i + L <= count; i += L) {
-        const VectorOf<Weight> x = loadSource(src + i);
-        sums.left = Product::add(sums.left, load<A>(left + i), x);
-        sums.right = Product::add(sums.right, load<A>(right + i), x);
+    for (; i + L <= nFilter + 1; i += L) {
+        falls |= load<Unaligned>(centers + i) > load<Unaligned>(centers + i + 1);
     }
-    if (const int rest = static_cast<int>(count - i); rest > 0) {
-        const VectorOf<Weight> x = loadSourceTail(src + i, rest);
-        sums.left = Product::add(sums.left, loadTail<A>(left + i, rest), x);
-        sums.right = Product::add(sums.right, loadTail<A>(right + i, rest), x);
+    if (const int rest = static_cast<int>(nFilter + 1 - i); rest != 0) {
+        falls |= loadTail<Unaligned>(centers + i, rest) > loadTail<Unaligned>(centers + i + 1, rest);
     }
+    return !any(falls) && centers[nFilter + 1] <= top;
 }
 
-// A filter that stands nowhere has the row of a neighbour in its place; its sum is not used.
-template <class Product, class Weight, class S>
-LYR_INLINE GapSums<typename Product::Sum> sumGap(const BankView<Weight>& bank, Elem32s g, const S* src)
+// Any centres: the sum of each filter over the bins of the spectrum, as far as the rows go.
+template <class Term, class Weight, class Emit>
+__attribute__((noinline, cold)) void sumClipped(const BankView<Weight>& bank, Term term, Emit emit)
 {
-    using V = VectorOf<Weight>;
-    using Sum = typename Product::Sum;
-    const Weight* const left = bank.left[g];
-    const Weight* const right = bank.right[g > 0 ? g - 1 : 0];
-    const Elem64s lower = bank.centers[g];
-    const Elem64s upper = bank.centers[g + 1];
-    GapSums<Sum> sums{};
-    if (lower >= 0 && upper >= lower && upper <= bank.top) [[likely]] {
-        sums.left = Product::add(Sum{}, V{left[0]}, V{static_cast<Weight>(src[lower])});
-        addBins<typename Product::Rows, Product>(sums, left + 1, right, src + lower + 1,
-                                                 static_cast<std::ptrdiff_t>(upper - lower));
-        return sums;
+    for (Elem32s f = 0; f < bank.nFilter; ++f) {
+        const Elem64s lower = bank.centers[f];
+        const Elem64s centre = bank.centers[f + 1];
+        const Elem64s upper = bank.centers[f + 2];
+        decltype(term(Weight{}, 0)) sum = 0;
+        for (Elem64s k = lower < 0 ? 0 : lower; k <= centre && k <= bank.top; ++k) {
+            sum += term(bank.left[f][k - lower], static_cast<std::ptrdiff_t>(k));
+        }
+        for (Elem64s k = centre < 0 ? 0 : centre + 1; k <= upper && k <= bank.top && k <= centre + bank.top; ++k) {
+            sum += term(bank.right[f][k - centre - 1], static_cast<std::ptrdiff_t>(k));
+        }
+        emit(f, sum);
     }
-    // A centre outside the spectrum, or below its neighbour: what lies inside counts, as far as the rows go.
-    if (lower >= 0 && lower <= bank.top && upper >= lower) {
-        sums.left = Product::add(Sum{}, V{left[0]}, V{static_cast<Weight>(src[lower])});
-    }
-    const Elem64s skipped = lower < -1 ? -1 - lower : 0;
-    const Elem64s spectrumEnd = upper < bank.top ? upper : bank.top;
-    const Elem64s last = spectrumEnd < lower + bank.top ? spectrumEnd : lower + bank.top;
-    const Elem64s first = lower + 1 + skipped;
-    if (first <= last) {
-        addBins<Unaligned, Product>(sums, left + 1 + skipped, right + skipped, src + first,
-                                    static_cast<std::ptrdiff_t>(last - first + 1));
-    }
-    return sums;
 }
 
 void evaluateSingles(const BankView<Elem32f>& bank, const Elem32f* src, Elem32f* dst)
 {
-    constexpr int atOnce = 4;
-    F32 started = sumGap<Singles>(bank, 0, src).left;
-    Elem32s f = 0;
-    for (; f + atOnce <= bank.nFilter; f += atOnce) {
-        F32 filter[atOnce];
-        for (int k = 0; k < atOnce; ++k) {
-            const auto sums = sumGap<Singles>(bank, f + k + 1, src);
-            filter[k] = started + sums.right;
-            started = sums.left;
-        }
-        _mm_storeu_ps(dst + f, sumEach(filter[0], filter[1], filter[2], filter[3]));
+    if (!areOrdered(bank.centers, bank.nFilter, bank.top)) [[unlikely]] {
+        sumClipped(
+            bank, [src](Elem32f weight, std::ptrdiff_t k) { return weight * src[k]; },
+            [dst](Elem32s f, Elem32f sum) { dst[f] = sum; });
+        return;
     }
-    for (; f < bank.nFilter; ++f) {
-        const auto sums = sumGap<Singles>(bank, f + 1, src);
-        dst[f] = sum(started + sums.right);
-        started = sums.left;
+    Sweep<Singles, Elem32f, Elem32f> sweep(bank, src);
+    const std::ptrdiff_t filters = bank.nFilter;
+    std::ptrdiff_t f = 0;
+    for (; f + 4 <= filters; f += 4) {
+        const F32 a = sweep.filter(f);
+        const F32 b = sweep.filter(f + 1);
+        const F32 c = sweep.filter(f + 2);
+        const F32 d = sweep.filter(f + 3);
+        _mm_storeu_ps(dst + f, sumEach(a, b, c, d));
+    }
+    for (; f < filters; ++f) {
+        dst[f] = sum(sweep.filter(f));
     }
 }
 
@@ -230,16 +322,22 @@ LYR_INLINE void finishMagnitude(Elem32s& dst, Elem64s sum, Elem32s shift)
 template <class Product, class S, class D>
 void evaluateIntegers(const BankView<Elem32s>& bank, const S* src, D* dst, Elem32s shift)
 {
-    U64 started = sumGap<Product>(bank, 0, src).left;
-    for (Elem32s f = 0; f < bank.nFilter; ++f) {
-        const auto sums = sumGap<Product>(bank, f + 1, src);
-        const Elem64s sum = sumLanes(started + sums.right);
+    const auto emit = [dst, shift](Elem32s f, Elem64s sum) {
         if constexpr (__is_same(Product, ShiftedProducts)) {
             finishMagnitude(dst[f], sum, shift);
         } else {
             finish(dst[f], sum, shift);
         }
-        started = sums.left;
+    };
+    if (!areOrdered(bank.centers, bank.nFilter, bank.top)) [[unlikely]] {
+        sumClipped(
+            bank, [src](Elem32s weight, std::ptrdiff_t k) { return Product::one(weight, src[k]); },
+            [emit](Elem32s f, unsigned long long sum) { emit(f, static_cast<Elem64s>(sum)); });
+        return;
+    }
+    Sweep<Product, Elem32s, S> sweep(bank, src);
+    for (Elem32s f = 0; f < bank.nFilter; ++f) {
+        emit(f, sumLanes(sweep.filter(f)));
     }
 }
 
