@@ -130,24 +130,24 @@ LYR_INLINE V shuffle(V a, V b)
 }
 
 // clang-format off
-struct EvenLanes { static consteval int at(int i, int) { return 2 * i; } };
-struct OddLanes { static consteval int at(int i, int) { return 2 * i + 1; } };
-struct InterleaveLow { static consteval int at(int i, int w) { return i / 2 + (i % 2) * w; } };
-struct InterleaveHigh { static consteval int at(int i, int w) { return (w + i) / 2 + (i % 2) * w; } };
-struct ReversedLow { static consteval int at(int i, int w) { return w - 1 - i / 2 + (i % 2) * w; } };
-struct ReversedHigh { static consteval int at(int i, int w) { return w / 2 - 1 - i / 2 + (i % 2) * w; } };
+struct EvenLanes { LYR_INLINE static constexpr int at(int i, int) { return 2 * i; } };
+struct OddLanes { LYR_INLINE static constexpr int at(int i, int) { return 2 * i + 1; } };
+struct InterleaveLow { LYR_INLINE static constexpr int at(int i, int w) { return i / 2 + (i % 2) * w; } };
+struct InterleaveHigh { LYR_INLINE static constexpr int at(int i, int w) { return (w + i) / 2 + (i % 2) * w; } };
+struct ReversedLow { LYR_INLINE static constexpr int at(int i, int w) { return w - 1 - i / 2 + (i % 2) * w; } };
+struct ReversedHigh { LYR_INLINE static constexpr int at(int i, int w) { return w / 2 - 1 - i / 2 + (i % 2) * w; } };
 // The lanes of a in the order 0, W-1, W-2, ..., 1, with lane 0 from b.
-struct Mirrored { static consteval int at(int i, int w) { return i == 0 ? w : w - i; } };
-struct Backwards { static consteval int at(int i, int w) { return w - 1 - i; } };
-struct EvenReversed { static consteval int at(int i, int w) { return 2 * (w - 1 - i); } };
-struct OddReversed { static consteval int at(int i, int w) { return 2 * (w - 1 - i) + 1; } };
+struct Mirrored { LYR_INLINE static constexpr int at(int i, int w) { return i == 0 ? w : w - i; } };
+struct Backwards { LYR_INLINE static constexpr int at(int i, int w) { return w - 1 - i; } };
+struct EvenReversed { LYR_INLINE static constexpr int at(int i, int w) { return 2 * (w - 1 - i); } };
+struct OddReversed { LYR_INLINE static constexpr int at(int i, int w) { return 2 * (w - 1 - i) + 1; } };
 // Within each 128 bits, and then these as units.
-struct UnpackLow1 { static consteval int at(int i, int w) { return i / 4 * 4 + (i % 4) / 2 + (i % 2) * w; } };
-struct UnpackHigh1 { static consteval int at(int i, int w) { return i / 4 * 4 + 2 + (i % 4) / 2 + (i % 2) * w; } };
-struct UnpackLow2 { static consteval int at(int i, int w) { return i / 4 * 4 + i % 2 + (i % 4) / 2 * w; } };
-struct UnpackHigh2 { static consteval int at(int i, int w) { return i / 4 * 4 + 2 + i % 2 + (i % 4) / 2 * w; } };
-struct EvenUnits { static consteval int at(int i, int) { return i / 4 * 8 + i % 4; } };
-struct OddUnits { static consteval int at(int i, int) { return i / 4 * 8 + 4 + i % 4; } };
+struct UnpackLow1 { LYR_INLINE static constexpr int at(int i, int w) { return i / 4 * 4 + (i % 4) / 2 + (i % 2) * w; } };
+struct UnpackHigh1 { LYR_INLINE static constexpr int at(int i, int w) { return i / 4 * 4 + 2 + (i % 4) / 2 + (i % 2) * w; } };
+struct UnpackLow2 { LYR_INLINE static constexpr int at(int i, int w) { return i / 4 * 4 + i % 2 + (i % 4) / 2 * w; } };
+struct UnpackHigh2 { LYR_INLINE static constexpr int at(int i, int w) { return i / 4 * 4 + 2 + i % 2 + (i % 4) / 2 * w; } };
+struct EvenUnits { LYR_INLINE static constexpr int at(int i, int) { return i / 4 * 8 + i % 4; } };
+struct OddUnits { LYR_INLINE static constexpr int at(int i, int) { return i / 4 * 8 + 4 + i % 4; } };
 // clang-format on
 
 // W complex numbers (re, im, re, im, ...) as two vectors, and back; the reversed forms take or leave the last number
