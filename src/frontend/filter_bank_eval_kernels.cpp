@@ -253,7 +253,7 @@ __attribute__((noinline, cold)) void sumClipped(const BankView<Weight>& bank, Te
         const Elem64s centre = bank.centers[f + 1];
         const Elem64s upper = bank.centers[f + 2];
         decltype(term(Weight{}, 0)) sum = 0;
-        for (Elem64s k = lower < 0 ? 0 : lower; k <= centre && k <= bank.top; ++k) {
+        for (Elem64s k = lower < 0 ? 0 : lower; k <= centre && k <= bank.top && k <= lower + bank.top; ++k) {
             sum += term(bank.left[f][k - lower], static_cast<std::ptrdiff_t>(k));
         }
         for (Elem64s k = centre < 0 ? 0 : centre + 1; k <= upper && k <= bank.top && k <= centre + bank.top; ++k) {

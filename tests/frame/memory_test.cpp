@@ -95,7 +95,8 @@ TEST(WorkBuffer, IsReleased)
     const long calls = allocationCount();
     EXPECT_FALSE(lyr::WorkBuffer<Elem64f>(0));
     EXPECT_FALSE(lyr::WorkBuffer<Elem64f>(-3));
-    EXPECT_FALSE(lyr::WorkBuffer<Elem64f>(Elem64s{INT32_MAX} / 8 + 1)) << "beyond what a length can say";
+    EXPECT_FALSE(lyr::WorkBuffer<Elem8u>(Elem64s{INT32_MAX} + 1)) << "beyond what a length can say";
+    EXPECT_FALSE(lyr::WorkBuffer<Elem64f>(Elem64s{INT32_MAX} + 1)) << "beyond what a length can say";
     EXPECT_EQ(allocationCount(), calls);
 }
 
