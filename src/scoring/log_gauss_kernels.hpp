@@ -12,9 +12,9 @@ namespace lyr {
 template <class T, class S = T>
 using DistanceKernel = T(const S* x, const S* mean, const S* var, Elem32s len);
 
-// dst[f] = score of frame f, the constant entering as `Constant` says.
+// dst[f] = score of frame f in the result type T, the constant entering as `Constant` says.
 template <class Rows, class Weights, class Constant, class T>
-using FramesKernel = void(Rows frames, const T* mean, Weights var, Elem32s width, T* dst, Elem32s height,
+using FramesKernel = void(Rows frames, const ElementOf<Rows>* mean, Weights var, Elem32s width, T* dst, Elem32s height,
                           Constant gconst);
 
 template <class T, class BlockConstant, class TableConstant>
