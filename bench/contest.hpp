@@ -18,6 +18,22 @@ struct Contender
     std::function<double()> result; // what it computed, to be compared
 };
 
+inline constexpr int callsPerRun = 32;
+
+// `call` for each of a run, so that the way into a contender does not count.
+template <class Call>
+Contender contender(const char* name, Call call, std::function<double()> result)
+{
+    return {name,
+            [call] {
+                for (int i = 0; i < callsPerRun; ++i) {
+                    call();
+                    benchmark::ClobberMemory();
+                }
+            },
+            std::move(result)};
+}
+
 // The first contender is ours. Each round runs every contender for about the same short time. The counter `ratio` is
 // our median time over that of the fastest peer.
 inline void contest(benchmark::State& state, const std::vector<Contender>& contenders, double tolerance)

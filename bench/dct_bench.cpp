@@ -17,23 +17,8 @@
 namespace {
 
 using bench::Contender;
+using bench::contender;
 using bench::contest;
-
-constexpr int callsPerRun = 32;
-
-// `call` for each of a run, so that the way into a contender does not count.
-template <class Call>
-Contender contender(const char* name, Call call, std::function<double()> result)
-{
-    return {name,
-            [call] {
-                for (int i = 0; i < callsPerRun; ++i) {
-                    call();
-                    benchmark::ClobberMemory();
-                }
-            },
-            std::move(result)};
-}
 
 std::vector<float> ramp(int n, double low, double high)
 {

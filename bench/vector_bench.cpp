@@ -23,23 +23,8 @@
 namespace {
 
 using bench::Contender;
+using bench::contender;
 using bench::contest;
-
-constexpr int callsPerRun = 32;
-
-// `call` for each of a run, so that the way into a contender does not count.
-template <class Call>
-Contender contender(const char* name, Call call, std::function<double()> result)
-{
-    return {name,
-            [call] {
-                for (int i = 0; i < callsPerRun; ++i) {
-                    call();
-                    benchmark::ClobberMemory();
-                }
-            },
-            std::move(result)};
-}
 
 // Vectors stand at the start of a cache line, for ours and for the peers alike.
 template <class T>
