@@ -648,7 +648,8 @@ LYRSR_API Status lyrsFFTFwd_RToCCS_16s32s_Sfs(const Elem16s* pSrc, Elem32s* pDst
  * | single precision, fixed point | -15.3195879547406 | -4500000 | -4500000 |
  * | `64f` | -23.0258509299405 | -10000000000 | -9000000000 |
  *
- * Above the cut-off the floor does not apply. A NaN operand gives NaN, and so do two infinities of the same sign.
+ * Above the cut-off the floor does not apply. In log-addition and log-sum a NaN operand gives NaN, and so do two
+ * infinities of the same sign.
  *
  * `Sfs` forms hold the log value times 2^scaleFactor, and truncate and saturate their results.
  *
@@ -677,7 +678,7 @@ LYRSR_API Status lyrsLogAdd_16s_Sfs(const Elem16s* pSrc, Elem16s* pSrcDst, Elem3
  * @name Log-subtraction
  * pSrcDst[i] = log(exp(pSrc[i]) - exp(pSrcDst[i])), the in-place operand being the subtrahend. d = pSrcDst[i] - pSrc[i]
  * in the precision of the type; log(1 - exp(d)) in double precision. A d below the cut-off leaves pSrc[i], no lower
- * than the floor. The floor also stands where exp(d) rounds to one.
+ * than the floor; so do a NaN subtrahend and two equal infinities. The floor also stands where exp(d) rounds to one.
  *
  * The fixed-point forms scale d, but add the logarithm to the unscaled pSrc[i], limit the sum to 32 bits and truncate
  * it; the 16-bit form stores the low 16 bits of that.
@@ -695,8 +696,8 @@ LYRSR_API Status lyrsLogSub_16s_Sfs(const Elem16s* pSrc, Elem16s* pSrcDst, Elem3
  * @name Log-sum
  * *pResult = log of the sum of exp(pSrc[i]), by log-additions in single precision (`64f`: double). The order is fixed:
  * from 8 elements (`64f`: 5) elements go to four (`64f`: two) accumulators in turn, these are added, and the elements
- * left over follow one at a time. Fixed-point forms convert to single precision and sum blocks of 128; up to 6 elements
- * they add in double precision. One element alone is the result as it is.
+ * left over follow one at a time. Fixed-point forms convert to single precision and sum blocks of 128, the total so far
+ * being the first element of every later block; up to 6 elements they add in double precision. One element alone is the result as it is.
  * @{
  */
 LYRSR_API Status lyrsLogSum_32f(const Elem32f* pSrc, Elem32f* pResult, Elem32s len);
@@ -806,7 +807,7 @@ LYRSR_API Status lyrsLogGauss_IdVar_64f_D2L(const Elem64f* const* mPtr, const El
  *     score(g) = gconst[g] - 1/2 * sum over i of (x[i] - mean[g][i])^2 * var[g][i]
  *
  * with the constant entering as 2 * gconst[g], halved with the sum at the end. Everything is in the precision of the
- * type. Log-additions are those of lyrsLogAdd_32f() with hint 0, and lyrsLogAdd_64f().
+ * type.
  *
  * @param pSrc    frame, `width` elements
  * @param pMean   means: `height` rows of `width` elements, row g starting g * `step` elements after the first
@@ -823,7 +824,8 @@ LYRSR_API Status lyrsLogGauss_IdVar_64f_D2L(const Elem64f* const* mPtr, const El
 /**
  * @name Each Gaussian
  * `MultiMix`: pSrcDst[g] holds the constant and becomes score(g). `MaxMultiMix`: score(g) replaces pSrcDst[g] where it
- * is larger; NaN never is. `AddMultiMix`: pSrcDst[g] = log(exp(pSrcDst[g]) + exp(score(g))).
+ * is larger; NaN never is. `AddMultiMix`: pSrcDst[g] = log(exp(pSrcDst[g]) + exp(score(g))), as lyrsLogAdd_32f() with
+ * hint 0 and lyrsLogAdd_64f() add.
  * @return #StsNoErr; in this order: #StsStep (`_D2`), #StsNullPtr, #StsSize.
  * @{
  */
@@ -863,11 +865,9 @@ LYRSR_API Status lyrsLogGaussAddMultiMix_64f_D2L(const Elem64f* const* mMean, co
 
 /**
  * @name The mixture
- * *pResult = log of the sum over g of exp(score(g)), by log-additions in the precision of the type. `64f` adds as
- * lyrsLogSum_64f() in blocks of 100 Gaussians, the total so far being the first element of every later block; `32f`
- * adds as with hint 1, in any order, so that a total is within a few units in the last place of what lyrsLogSum_32f()
- * makes of the scores, and a term left out below the cut-off. One Gaussian alone gives its score. `IdVar` forms weigh
- * every element with one.
+ * *pResult = log of the sum over g of exp(score(g)), in the precision of the type. Scores are added as lyrsLogSum_32f()
+ * and lyrsLogSum_64f() add them, in that order, in blocks of 100 Gaussians, the total so far being the first element of
+ * every later block. One Gaussian alone gives its score. `IdVar` forms weigh every element with one.
  * @return #StsNoErr; in this order: #StsNullPtr, #StsStep (`_D2`), #StsSize.
  * @{
  */

@@ -38,8 +38,8 @@ lyr::LogAddKernel<Elem32f>* kernelOf(Elem32s hint)
     }
 }
 
-// Adds in single precision, in blocks on the stack. An unknown hint adds nothing, yet the elements still go to single
-// precision and back: meant, and it shows above 2^24.
+// Converts to single precision and adds by the hint, in blocks on the stack. An unknown hint adds nothing, yet the
+// elements still go to single precision and back: meant, and it shows above 2^24.
 template <class T>
 void addFixedPoint(const T* src, T* srcDst, Elem32s len, Elem32s scaleFactor, Elem32s hint)
 {

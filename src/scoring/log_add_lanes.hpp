@@ -1,8 +1,7 @@
 // Log-addition of vectors: every lane takes the coefficients of its own interval.
 //
 // For vectors of a register's width, and for those of 128 bits that the sums keep as accumulators at every width. An
-// element gets the same arithmetic in every lane. Steps are fused only where the result is rounded to a lower precision
-// afterwards; else the bits are the same at every width.
+// element gets the same arithmetic in every lane. No step is fused, so that the bits are the same at every width.
 #pragma once
 
 #include "frame/simd.hpp"
@@ -29,14 +28,6 @@ LYR_INLINE Pair max(Pair a, Pair b)
 LYR_INLINE Pair min(Pair a, Pair b)
 {
     return _mm_min_pd(a, b);
-}
-LYR_INLINE Quad mulAdd(Quad a, Quad b, Quad c)
-{
-    return _mm_fmadd_ps(a, b, c);
-}
-LYR_INLINE Pair mulAdd(Pair a, Pair b, Pair c)
-{
-    return _mm_fmadd_pd(a, b, c);
 }
 #endif
 
@@ -145,26 +136,8 @@ LYR_INLINE V horner(const CoefficientRows<T, N>& rows, I interval, V t)
     return p;
 }
 
-// a * b + c in two roundings or, where the processor has it, in one.
-struct TwoRoundings
-{
-    template <class V>
-    static LYR_INLINE V mulAdd(V a, V b, V c)
-    {
-        return a * b + c;
-    }
-};
-struct OneRounding
-{
-    template <class V>
-    static LYR_INLINE V mulAdd(V a, V b, V c)
-    {
-        return LYR_NS::mulAdd(a, b, c);
-    }
-};
-
 // p(t) as two polynomials in t squared: half the chain of dependent steps.
-template <class Step, class V, class I, class T, int N>
+template <class V, class I, class T, int N>
 LYR_INLINE V evenOdd(const CoefficientRows<T, N>& rows, I interval, V t)
 {
     const V square = t * t;
@@ -172,10 +145,10 @@ LYR_INLINE V evenOdd(const CoefficientRows<T, N>& rows, I interval, V t)
     V second = choose<V>(rows.power[1], interval);
     for (int i = 2; i < N; ++i) {
         V& p = i % 2 == 0 ? first : second;
-        p = Step::mulAdd(p, square, choose<V>(rows.power[i], interval));
+        p = p * square + choose<V>(rows.power[i], interval);
     }
     // The constant term is in the one that comes last.
-    return N % 2 == 0 ? Step::mulAdd(first, t, second) : Step::mulAdd(second, t, first);
+    return N % 2 == 0 ? first * t + second : second * t + first;
 }
 
 #if LYR_WIDTH == 512
@@ -262,8 +235,7 @@ LYR_INLINE V logAddSingle(V a, V b)
     return step.result(step.larger + horner(singleRows, interval, t), singleLogAdd);
 }
 
-// t in single precision, the polynomial and the sum in double precision, the result rounded to single: it differs
-// between fused and plain steps only where the sum is within some 2^-50 of a tie.
+// t in single precision, the polynomial and the sum in double precision, the result rounded to single.
 LYR_INLINE F32 logAddAccurate(F32 a, F32 b)
 {
     const LogAddStep<Elem32f, F32> step(a, b, singleLogAdd);
@@ -272,8 +244,8 @@ LYR_INLINE F32 logAddAccurate(F32 a, F32 b)
     }
     const I32 interval = step.interval(singleLogAdd);
     const F32 t = step.t(singleLogAdd);
-    const F64 low = widenLower(step.larger) + evenOdd<OneRounding>(accurateRows, widenLower(interval), widenLower(t));
-    const F64 high = widenUpper(step.larger) + evenOdd<OneRounding>(accurateRows, widenUpper(interval), widenUpper(t));
+    const F64 low = widenLower(step.larger) + evenOdd(accurateRows, widenLower(interval), widenLower(t));
+    const F64 high = widenUpper(step.larger) + evenOdd(accurateRows, widenUpper(interval), widenUpper(t));
     return step.result(narrow(low, high), singleLogAdd);
 }
 
@@ -287,7 +259,7 @@ LYR_INLINE V logAddDouble(V a, V b)
     }
     const auto interval = step.interval(doubleLogAdd);
     const V t = step.t(doubleLogAdd);
-    return step.result(step.larger + evenOdd<TwoRoundings>(doubleRows, interval, t), doubleLogAdd);
+    return step.result(step.larger + evenOdd(doubleRows, interval, t), doubleLogAdd);
 }
 
 } // namespace lyr::LYR_NS

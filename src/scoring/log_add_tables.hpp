@@ -121,7 +121,7 @@ alignas(32) constexpr Elem64f LogAddCoeff3[24] = {1.7034225392923792e-27,
                                                   0.0,
                                                   0.0};
 
-// The tables by interval, for the scorers that accumulate.
+// The tables by interval, from the nearest to the farthest.
 void GetLogAddConst(const Elem64f** first, const Elem64f** second, const Elem64f** third) noexcept;
 void GetLogAddConst_F(const Elem64f** first, const Elem64f** second, const Elem64f** third) noexcept;
 

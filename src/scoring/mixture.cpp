@@ -23,8 +23,6 @@ namespace {
 const lyr::MixtureKernels kernels = LYR_SELECT_KERNELS(mixtureKernels);
 const lyr::LogAddKernels logAddKernels = LYR_SELECT_KERNELS(logAddKernels);
 
-constexpr Elem32s blockHeight = 100;
-
 // The stride that keeps aligned rows aligned: 16 bytes of singles, and 4 elements of doubles as for frames.
 constexpr Elem32s stepUnit = 4;
 
@@ -72,9 +70,9 @@ template <class Rows, class T>
 void addScores(Rows means, Rows vars, const T* x, Elem32s width, const T* gconst, T* srcDst, Elem32s height,
                lyr::LogAddKernel<T>* logAdd)
 {
-    alignas(32) T block[blockHeight];
+    alignas(32) T block[lyr::blockHeight];
     for (Elem32s first = 0; first < height;) {
-        const Elem32s n = height - first < blockHeight ? height - first : blockHeight;
+        const Elem32s n = height - first < lyr::blockHeight ? height - first : lyr::blockHeight;
         copy(gconst + first, block, n);
         scoreEach(means.from(first), RowWeights{vars.from(first)}, x, width, block, n);
         logAdd(block, srcDst + first, n);
@@ -224,8 +222,7 @@ Status lyrsLogGaussAddMultiMix_64f_D2L(const Elem64f* const* mMean, const Elem64
     return StsNoErr;
 }
 
-// --------------------------------------------------------------------------------------------------- mixture as a
-// whole
+// ------------------------------------------------------------------------------------------------- whole mixture
 
 // These test the pointers before the stride, the other families the stride first.
 

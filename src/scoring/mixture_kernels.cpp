@@ -29,8 +29,6 @@ void best(Rows means, Weights vars, const T* x, Elem32s width, const T* gconst, 
 // Scores go in blocks of 100 through a buffer on the stack, so that no size of mixture costs an allocation. What a
 // block comes down to stands in the slot ahead of the next one and is summed with it, in the order of lyrsLogSum_*: a
 // chain that is part of the result. A mixture of one Gaussian gets its score as it is.
-constexpr Elem32s blockHeight = 100;
-
 template <class A, class Rows, class Weights, class T>
 T mixture(Rows means, Weights vars, const T* x, Elem32s width, const T* gconst, Elem32s height)
 {

@@ -8,6 +8,9 @@
 
 namespace lyr {
 
+// Gaussians that go through a buffer on the stack at a time.
+inline constexpr Elem32s blockHeight = 100;
+
 // srcDst[g] holds the constant of Gaussian g and becomes its score.
 template <class Rows, class Weights, class T>
 using MultiMixKernel = void(Rows means, Weights vars, const T* x, Elem32s width, T* srcDst, Elem32s height);

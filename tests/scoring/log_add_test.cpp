@@ -237,6 +237,10 @@ TEST(LogAdd, Examples)
         EXPECT_NEAR(sumOf(-5000000.0F, -5000000.0F, hint), -4999999.3, 0.3) << "no floor above the cut-off";
         EXPECT_NEAR(sumOf(-10000000.0F, -10000000.0F, hint), -9999999.3, 0.5);
     }
+    // Sums so near to a tie of single precision that a fused step in the polynomial would tip them.
+    for (const float s : {-0x1.9e525cp+2F, -0x1.3dfdbap+3F, -0x1.55125ep+3F}) {
+        EXPECT_EQ(sumOf(0.0F, s, 0), lyr::oracle::logAddHint(0.0F, s, 0)) << s;
+    }
     EXPECT_EQ(sumOf(-9.5e9, -9.6e9), -1e10) << "the floor lies below its test";
     EXPECT_EQ(sumOf(-8.9e9, -9.6e9), -8.9e9);
 }

@@ -109,17 +109,17 @@ void forModels(Check check)
         }
     };
     for (std::size_t width = 1; width <= 70; ++width) {
-        for (const std::size_t height : {1, 3, 5, 21}) {
+        for (const std::size_t height : {1U, 3U, 5U, 21U}) {
             run(height, width);
         }
     }
-    for (const std::size_t width : {1, 7, 13, 39}) {
+    for (const std::size_t width : {1U, 7U, 13U, 39U}) {
         for (std::size_t height = 1; height <= 37; ++height) {
             run(height, width);
         }
     }
-    for (const std::size_t width : {1, 39}) {
-        for (const std::size_t height : {99, 100, 101, 107, 108, 200, 201, 250, 1000}) {
+    for (const std::size_t width : {1U, 39U}) {
+        for (const std::size_t height : {99U, 100U, 101U, 107U, 108U, 200U, 201U, 250U, 1000U}) {
             run(height, width);
         }
     }
@@ -288,23 +288,44 @@ TEST(LogGaussAddMultiMix, Double)
 }
 
 // The addition itself, to the bit: the score of a frame that equals the mean is the constant.
-TEST(LogGaussAddMultiMix, AddsAsHintZero)
+float logAdd(float a, float b)
 {
-    Random random(21);
-    const std::vector<float> x(5, 1.0F);
-    const std::vector<float> ones(5 * 230, 1.0F);
-    const auto gconst = random.vector<float>(230, -20, 0);
-    auto dst = random.vector<float>(230, -20, 0);
-    const auto old = dst;
-    ASSERT_EQ(lyrsLogGaussAddMultiMix_32f_D2(ones.data(), ones.data(), 5, x.data(), 5, gconst.data(), dst.data(), 230),
-              StsNoErr);
-    for (std::size_t g = 0; g < 230; ++g) {
-        EXPECT_EQ(dst[g], lyr::oracle::logAddHint(old[g], gconst[g], 0)) << g;
+    return lyr::oracle::logAddHint(a, b, 0);
+}
+double logAdd(double a, double b)
+{
+    return lyr::oracle::logAdd64(a, b);
+}
+
+template <class T>
+void expectLogAddition(T low, T lower)
+{
+    Random random(23);
+    const std::vector<T> x(5, T(1));
+    const std::vector<T> ones(5 * 230, T(1));
+    const std::vector<const T*> rows(230, x.data());
+    auto gconst = random.vector<T>(230, -20, 0);
+    auto old = random.vector<T>(230, -20, 0);
+    gconst[7] = low; // the floor
+    old[7] = lower;
+    for (const bool table : {false, true}) {
+        auto dst = old;
+        ASSERT_EQ(table ? Family<T>::addTable(rows.data(), rows.data(), x.data(), 5, gconst.data(), dst.data(), 230)
+                        : Family<T>::add(ones.data(), ones.data(), 5, x.data(), 5, gconst.data(), dst.data(), 230),
+                  StsNoErr);
+        for (std::size_t g = 0; g < 230; ++g) {
+            EXPECT_EQ(dst[g], logAdd(old[g], gconst[g])) << g;
+        }
     }
 }
 
-// --------------------------------------------------------------------------------------------------- mixture as a
-// whole
+TEST(LogGaussAddMultiMix, AddsAsLogAddition)
+{
+    expectLogAddition<float>(-5e6F, -6e6F);
+    expectLogAddition<double>(-2e10, -3e10);
+}
+
+// ------------------------------------------------------------------------------------------------- whole mixture
 
 // A log-sum moves by no more than the largest of its elements' errors, so that errors of the scores count once and
 // those of the additions as often as one follows the other.
@@ -355,20 +376,44 @@ TEST(LogGaussMixture, Double)
     compareMixture<double>();
 }
 
+enum class Form
+{
+    Block,
+    Table,
+    UnitBlock,
+    UnitTable
+};
+constexpr Form allForms[] = {Form::Block, Form::Table, Form::UnitBlock, Form::UnitTable};
+
 // A mixture of which every score is its constant, as the frame equals every mean.
 template <class T>
-T sumOf(const std::vector<T>& gconst)
+T sumOf(const std::vector<T>& gconst, Form form = Form::Block)
 {
     const std::vector<T> x(3, T(1));
     const std::vector<T> ones(3 * gconst.size(), T(1));
+    const std::vector<const T*> rows(gconst.size(), x.data());
+    const auto height = static_cast<Elem32s>(gconst.size());
     T result = 17;
-    EXPECT_EQ(Family<T>::mixture(x.data(), ones.data(), ones.data(), static_cast<Elem32s>(gconst.size()), 3, 3,
-                                 gconst.data(), &result),
-              StsNoErr);
+    Status status = StsFail;
+    switch (form) {
+    case Form::Block:
+        status = Family<T>::mixture(x.data(), ones.data(), ones.data(), height, 3, 3, gconst.data(), &result);
+        break;
+    case Form::Table:
+        status = Family<T>::mixtureTable(x.data(), rows.data(), rows.data(), height, 3, gconst.data(), &result);
+        break;
+    case Form::UnitBlock:
+        status = Family<T>::unit(x.data(), ones.data(), height, 3, 3, gconst.data(), &result);
+        break;
+    case Form::UnitTable:
+        status = Family<T>::unitTable(x.data(), rows.data(), height, 3, gconst.data(), &result);
+        break;
+    }
+    EXPECT_EQ(status, StsNoErr);
     return result;
 }
 
-// One Gaussian gives its score however low, also where it is alone in its block; two meet the floor.
+// One Gaussian gives its score however low; two meet the floor.
 template <class T>
 void expectFloor(T low, T lower, T floor)
 {
@@ -388,6 +433,10 @@ TEST(LogGaussMixture, Floor)
 {
     expectFloor<float>(-5000000.0F, -6000000.0F, -4500000.0F);
     expectFloor<double>(-2e10, -3e10, -1e10);
+    // The total of the first block and the one Gaussian of the second.
+    std::vector<float> gconst(101, -6000000.0F);
+    gconst.back() = -5000000.0F;
+    EXPECT_EQ(sumOf(gconst), -4500000.0F);
 }
 
 // Whatever the height and wherever it stands, a NaN score shows and an infinite one wins.
@@ -396,7 +445,7 @@ void expectSpecial()
 {
     const T inf = std::numeric_limits<T>::infinity();
     for (std::size_t height = 1; height <= 130; ++height) {
-        for (std::size_t at = 0; at<height; at += height> 40 ? 7 : 1) {
+        for (std::size_t at = 0; at < height; at += (height > 40 ? 7 : 1)) {
             std::vector<T> gconst(height, T(-2));
             gconst[at] = std::numeric_limits<T>::quiet_NaN();
             ASSERT_TRUE(std::isnan(sumOf(gconst))) << at << " of " << height;
@@ -416,6 +465,42 @@ TEST(LogGaussMixture, SpecialScores)
 {
     expectSpecial<float>();
     expectSpecial<double>();
+}
+
+// Twice the constant, in every family: an infinity from more than half the largest number.
+template <class T>
+void expectDoubled(T gconst)
+{
+    const T inf = std::numeric_limits<T>::infinity();
+    for (const std::size_t height : {1U, 20U}) { // one at a time, and a register of them
+        const std::vector<T> x(3, T(1));
+        const std::vector<T> ones(3 * height, T(1));
+        const std::vector<const T*> rows(height, x.data());
+        const std::vector<T> constants(height, gconst);
+        const auto n = static_cast<Elem32s>(height);
+        std::vector<T> dst(constants);
+        EXPECT_EQ(Family<T>::multi(ones.data(), ones.data(), 3, x.data(), 3, dst.data(), n), StsNoErr);
+        EXPECT_EQ(dst, std::vector<T>(height, inf));
+        dst = constants;
+        EXPECT_EQ(Family<T>::multiTable(rows.data(), rows.data(), x.data(), 3, dst.data(), n), StsNoErr);
+        EXPECT_EQ(dst, std::vector<T>(height, inf));
+        for (const bool add : {false, true}) {
+            const auto block = add ? Family<T>::add : Family<T>::max;
+            const auto table = add ? Family<T>::addTable : Family<T>::maxTable;
+            dst.assign(height, T(0));
+            EXPECT_EQ(block(ones.data(), ones.data(), 3, x.data(), 3, constants.data(), dst.data(), n), StsNoErr);
+            EXPECT_EQ(dst, std::vector<T>(height, inf));
+            dst.assign(height, T(0));
+            EXPECT_EQ(table(rows.data(), rows.data(), x.data(), 3, constants.data(), dst.data(), n), StsNoErr);
+            EXPECT_EQ(dst, std::vector<T>(height, inf));
+        }
+    }
+}
+
+TEST(LogGaussMultiMix, TheDoubledConstantOverflows)
+{
+    expectDoubled<float>(3e38F);
+    expectDoubled<double>(1.5e308);
 }
 
 TEST(LogGaussMixture, TheDoubledConstantOverflows)
@@ -452,7 +537,9 @@ void expectBlocksInOrder()
                          gconst.begin() + static_cast<std::ptrdiff_t>(std::min(first + 100, height)));
             total = logSum(block);
         }
-        ASSERT_EQ(sumOf(gconst), total) << height;
+        for (const Form form : allForms) {
+            ASSERT_EQ(sumOf(gconst, form), total) << height;
+        }
     }
 }
 
