@@ -4,18 +4,23 @@
 #include "lyrsr.h"
 #include "vector/elements.hpp"
 
+#include <algorithm>
+#include <type_traits>
 #include <utility>
 
 namespace {
 
-// NaN counts as equal to NaN here alone, where it ends the search in a vector of nothing else.
+// Whether each element compares with every other: none of them is NaN.
 template <class T>
-bool same(T a, T b)
+bool isOrdered(const T* first, const T* last)
 {
-    return a == b || (a != a && b != b);
+    return std::is_integral_v<T> || std::none_of(first, last, [](T x) { return x != x; });
 }
 
 // What stands at index n of p in descending order, 0 <= n < len. Reorders p.
+//
+// NaN has no place in an order and gets the one that the passes leave it, counted among what is not below the pivot:
+// the sequence of pivots then decides the result, and is kept.
 template <class T>
 T select(T* p, Elem32s len, Elem32s n)
 {
@@ -23,6 +28,14 @@ T select(T* p, Elem32s len, Elem32s n)
     Elem32s hi = len - 1;
     for (;;) {
         const T pivot = p[lo];
+        if (pivot != pivot) {
+            // Nothing is below it or equal to it, so that a pass only takes it to the end.
+            if (n == hi) {
+                return pivot;
+            }
+            std::swap(p[lo], p[hi--]);
+            continue;
+        }
         Elem32s i = lo + 1;
         Elem32s j = hi;
         for (;;) {
@@ -41,7 +54,7 @@ T select(T* p, Elem32s len, Elem32s n)
         // next to it.
         std::swap(p[lo], p[i - 1]);
         Elem32s first = i - 1;
-        while (first > lo && same(p[first - 1], pivot)) {
+        while (first > lo && p[first - 1] == pivot) {
             --first;
         }
         if (first <= n && n < i) {
@@ -53,8 +66,9 @@ T select(T* p, Elem32s len, Elem32s n)
         } else {
             lo = i;
         }
-        // A pass that took little away (a vector that is in order, say) has the next one start from the middle element.
-        if (hi - lo > size - size / 8) {
+        // A pass that took little away (a vector that is in order, say) has the next one start from the middle element,
+        // unless that could change the result.
+        if (hi - lo > size - size / 8 && isOrdered(p + lo, p + hi + 1)) {
             std::swap(p[lo], p[lo + (hi - lo) / 2]);
         }
     }

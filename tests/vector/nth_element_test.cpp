@@ -3,10 +3,16 @@
 #include "lyrsr.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
+#include <cstdint>
+#include <cstring>
+#include <functional>
 #include <gtest/gtest.h>
 #include <limits>
 #include <numeric>
+#include <type_traits>
+#include <utility>
 #include <vector>
 
 #include "oracle/vector_extrema.hpp"
@@ -45,6 +51,14 @@ void expectEveryN(const std::vector<T>& x)
     ASSERT_EQ(src.copy(), x) << "the source is as it was";
 }
 
+// A NaN that can be told from others.
+template <class T>
+T numbered(T nan, std::size_t number)
+{
+    using Bits = std::conditional_t<sizeof(T) == 4, std::uint32_t, std::uint64_t>;
+    return std::bit_cast<T>(std::bit_cast<Bits>(nan) | static_cast<Bits>(number));
+}
+
 template <class T>
 class NthMaxElement : public ::testing::Test
 {};
@@ -68,6 +82,93 @@ TYPED_TEST(NthMaxElement, EveryIndexOfShortVectors)
         expectEveryN(ordered);
         std::reverse(ordered.begin(), ordered.end());
         expectEveryN(ordered);
+    }
+}
+
+// The selection to the letter: with NaN its sequence of exchanges decides which element is the answer.
+template <class T>
+T selected(std::vector<T> p, std::size_t n)
+{
+    auto lo = std::ptrdiff_t{0};
+    auto hi = static_cast<std::ptrdiff_t>(p.size()) - 1;
+    const auto at = [&p](std::ptrdiff_t k) -> T& { return p[static_cast<std::size_t>(k)]; };
+    for (;;) {
+        const T pivot = at(lo);
+        auto i = lo + 1;
+        auto j = hi;
+        while (i <= j) {
+            while (i <= hi && !(at(i) < pivot)) {
+                ++i;
+            }
+            while (j > lo && at(j) < pivot) {
+                --j;
+            }
+            if (i < j) {
+                std::swap(at(i), at(j));
+                ++i;
+                --j;
+            } else {
+                break;
+            }
+        }
+        std::swap(at(lo), at(i - 1));
+        auto first = i - 1;
+        while (first > lo && at(first - 1) == pivot) {
+            --first;
+        }
+        const auto wanted = static_cast<std::ptrdiff_t>(n);
+        if (first <= wanted && wanted < i) {
+            return pivot;
+        }
+        if (wanted < first) {
+            hi = first - 1;
+        } else {
+            lo = i;
+        }
+    }
+}
+
+template <class T>
+void expectSelection(const std::vector<T>& x)
+{
+    for (std::size_t n = 0; n < x.size(); ++n) {
+        T result = -77;
+        ASSERT_EQ(nth(x.data(), static_cast<Elem32s>(x.size()), static_cast<Elem32s>(n), &result), StsNoErr);
+        const T expected = selected(x, n);
+        // Bits, as the NaN of a vector are told apart by them.
+        ASSERT_EQ(std::memcmp(&result, &expected, sizeof result), 0)
+            << result << " for " << expected << ", n " << n << " of " << x.size();
+    }
+}
+
+TYPED_TEST(NthMaxElement, NanTakesThePlaceThatTheSelectionLeavesIt)
+{
+    using T = TypeParam;
+    if constexpr (std::numeric_limits<T>::has_quiet_NaN) {
+        const T nan = std::numeric_limits<T>::quiet_NaN();
+        const T x[] = {nan, nan, 1};
+        T result = 0;
+        ASSERT_EQ(nth(x, 3, 0, &result), StsNoErr);
+        EXPECT_TRUE(std::isnan(result));
+        ASSERT_EQ(nth(x, 3, 1, &result), StsNoErr);
+        EXPECT_EQ(result, T(1));
+        Random random(23);
+        for (std::size_t len = 1; len <= 40; ++len) {
+            for (int round = 0; round < 8; ++round) {
+                // Few values, so that runs of equals occur, or many; falling ones make passes that take little away.
+                auto v = random.vector<T>(len, T(1), T(1000));
+                for (T& e : v) {
+                    e = round % 2 == 0 ? std::floor(e / 200) + 1 : e;
+                }
+                if (round >= 4) {
+                    std::sort(v.begin(), v.end(), std::greater<T>{});
+                }
+                for (std::size_t i = static_cast<std::size_t>(random.uniform(0, 5)); i < len; i += 6) {
+                    v[i] = numbered(nan, i);
+                }
+                expectSelection(v);
+            }
+        }
     }
 }
 
