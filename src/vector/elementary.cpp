@@ -6,6 +6,7 @@
 
 #include <cmath>
 #include <cstdint>
+#include <cstring>
 
 namespace {
 
@@ -42,7 +43,10 @@ void apply(lyr::FunctionKernel<S, D>* kernel, D (*scalar)(D), const S* src, D* d
         return;
     }
     for (Elem32s i = 0; i < len; ++i) {
-        dst[i] = scalar(D{src[i]});
+        // As bytes: what was last written here may have been of the other type.
+        S x;
+        std::memcpy(&x, src + i, sizeof x);
+        dst[i] = scalar(D{x});
     }
 }
 

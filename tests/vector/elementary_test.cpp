@@ -3,6 +3,7 @@
 #include "lyrsr.h"
 
 #include <cmath>
+#include <cstring>
 #include <gtest/gtest.h>
 #include <limits>
 #include <vector>
@@ -137,6 +138,15 @@ TEST(VectorSinC, IsOneAtEitherZero)
     }
 }
 
+// Next to a multiple of pi: the nearest whole number of half turns is 204551, and little is left of the argument.
+TEST(VectorSinC, LittleIsLeftOfTheArgument)
+{
+    const double x[] = {642615.9188844458};
+    double y = 0;
+    ASSERT_EQ(lyrsSinC_64f(x, &y, 1), StsNoErr);
+    EXPECT_TRUE(withinUlps(y, lyr::oracle::sinc(x[0]), sincUlps));
+}
+
 // A destination one element behind its source: each result is the next argument.
 TEST(VectorFunctions, OverlappingVectorsGoElementByElement)
 {
@@ -151,6 +161,36 @@ TEST(VectorFunctions, OverlappingVectorsGoElementByElement)
             ASSERT_TRUE(withinUlps(d[i + 1], lyr::oracle::sinc(d[i]), sincUlps));
         }
     }
+}
+
+// Results of twice the size over singles that are still to be read: what is read is what stands there at that time.
+void expectWideningInOrder(Status (*call)(const Elem32f*, Elem64f*, Elem32s), double (*reference)(double), int ulps)
+{
+    Random random(43);
+    for (const std::size_t len : {1U, 2U, 3U, 4U, 7U, 16U, 40U}) {
+        for (const std::size_t before : {0U, 8U, 16U}) {
+            SCOPED_TRACE(::testing::Message() << "len " << len << ", destination " << before << " bytes ahead");
+            const auto x = random.vector<float>(len, -2, 2);
+            std::vector<double> memory(len + 2, 0.0);
+            std::memcpy(reinterpret_cast<char*>(memory.data()) + before, x.data(), len * sizeof(float));
+            std::vector<double> replayed(memory);
+            const auto* const src = reinterpret_cast<const Elem32f*>(reinterpret_cast<char*>(memory.data()) + before);
+            ASSERT_EQ(call(src, memory.data(), static_cast<Elem32s>(len)), StsNoErr);
+            for (std::size_t i = 0; i < len; ++i) {
+                float argument = 0;
+                std::memcpy(&argument, reinterpret_cast<const char*>(replayed.data()) + before + i * sizeof(float),
+                            sizeof argument);
+                ASSERT_TRUE(withinUlps(memory[i], reference(double{argument}), ulps)) << "element " << i;
+                replayed[i] = memory[i];
+            }
+        }
+    }
+}
+
+TEST(VectorFunctions, OverlappingVectorsOfTwoTypesGoElementByElement)
+{
+    expectWideningInOrder(lyrsExpNegSqr_32f64f, lyr::oracle::expNegSqr<double>, expUlps);
+    expectWideningInOrder(lyrsSinC_32f64f, lyr::oracle::sinc<double>, sincUlps);
 }
 
 } // namespace
