@@ -98,12 +98,14 @@ template <class State>
 Status getSize(Elem32s lenDCT, Elem32s lenCepstrum, Elem32s* pSize)
 {
     LYR_CHECK(pointers(pSize), dimensions(lenDCT, lenCepstrum));
-    // A state that a 32-bit size cannot tell is too large to ask for: each row has cosines, its pointer, and up to two
-    // singles in the other arrays.
+    // A state that a 32-bit size cannot tell is too large to ask for. Of many rows the cosines and the pointers alone
+    // are, and the numbers below would wrap.
     const Elem64s rows = Elem64s{lenCepstrum} + 1;
-    const Elem64s rowBytes = (Elem64s{lenDCT} + 7) / 8 * 32 + Elem64s{sizeof(void*) + 2 * sizeof(Elem32f)};
-    LYR_CHECK(require(rows <= (INT32_MAX - 1024) / rowBytes, StsSize));
-    *pSize = static_cast<Elem32s>(headBytes<State>(lenCepstrum) + lyr::GetSize2_32f(lenCepstrum + 1, lenDCT));
+    const Elem64s rowBytes = (Elem64s{lenDCT} + 7) / 8 * 32 + Elem64s{sizeof(void*)};
+    LYR_CHECK(require(rows <= INT32_MAX / rowBytes, StsSize));
+    const Elem64s bytes = headBytes<State>(lenCepstrum) + Elem64s{lyr::GetSize2_32f(lenCepstrum + 1, lenDCT)};
+    LYR_CHECK(require(bytes <= INT32_MAX, StsSize));
+    *pSize = static_cast<Elem32s>(bytes);
     return StsNoErr;
 }
 

@@ -262,6 +262,45 @@ TEST(DctLifter, SizesBeyond32BitsAreErrors)
     EXPECT_GT(size, 20000 * 20000 * 4);
 }
 
+// Numbers of coefficients whose weights alone leave 32 bits.
+template <class State>
+void expectTooLarge(const Form<State>& form)
+{
+    for (const Elem32s lenCepstrum : {1073741823, 1073741824, 1500000000, 2000000000}) {
+        Elem32s size = -1;
+        EXPECT_EQ(form.getSize(INT32_MAX, lenCepstrum, &size), StsSize) << form.name << ' ' << lenCepstrum;
+        EXPECT_EQ(size, -1);
+    }
+}
+
+TEST(DctLifter, NoNumberOfCoefficientsWrapsTheSize)
+{
+    for (const auto& form : single) {
+        expectTooLarge(form);
+    }
+    for (const auto& form : fixed) {
+        expectTooLarge(form);
+    }
+}
+
+// Record, weights, two rows with their pointers, and the slack of each part.
+TEST(DctLifter, TheLargestSizesAreTold)
+{
+    constexpr auto rest = static_cast<Elem32s>(sizeof(DCTLifterState_32f) + 32 + 32 + 2 * sizeof(void*) + 28);
+    Elem32s size = -1;
+    ASSERT_EQ(lyrsDCTLifterGetSize_32f(268435400, 1, &size), StsNoErr);
+    EXPECT_EQ(size, 2 * 1073741600 + rest);
+    if (sizeof(void*) == 8) {
+        EXPECT_EQ(size, 2147483340);
+    }
+    const Elem32s longest = 268435400 + (INT32_MAX - size) / 64 * 8;
+    ASSERT_EQ(lyrsDCTLifterGetSize_32f(longest, 1, &size), StsNoErr);
+    EXPECT_GT(size, INT32_MAX - 64);
+    size = -1;
+    EXPECT_EQ(lyrsDCTLifterGetSize_32f(longest + 1, 1, &size), StsSize);
+    EXPECT_EQ(size, -1);
+}
+
 template <class State>
 void expectSizeErrors(const Form<State>& form)
 {
