@@ -109,6 +109,13 @@ auto auroraMatrix()
     return out<T>(frames * 41).spaced(41, 39);
 }
 
+// The rows of the call before, and what is appended to them.
+template <class T>
+auto followed()
+{
+    return inOut<T>((frames + 8) * 41).spaced(41, 39);
+}
+
 const bool aurora = addRows({
     row("lyrsDeltaDelta_Aurora_32f_D2", lyrsDeltaDelta_Aurora_32f_D2, streamed, in<Elem32f>(frames * 14),
         auroraMatrix<Elem32f>(), stride(41, 39), atBeginning(8), value(whole)),
@@ -119,6 +126,35 @@ const bool aurora = addRows({
     row("lyrsDeltaDeltaMul_Aurora_16s_D2Sfs", lyrsDeltaDeltaMul_Aurora_16s_D2Sfs, streamed, in<Elem16s>(frames * 14),
         in<Elem16s>(39), auroraMatrix<Elem16s>(), stride(41, 39), atBeginning(8), value(whole), value(1)),
 });
+
+// Calls that follow others; `rest` is what comes behind the mode.
+template <class T, class Function, class... Rest>
+Row followingAurora(const char* name, Function function, Elem32s mode, Rest... rest)
+{
+    return row(name, function, streamed, in<T>(frames * 14), followed<T>(), stride(41, 39), following(mode),
+               value(mode), rest...);
+}
+
+template <class T, class Function, class... Rest>
+Row followingAuroraMul(const char* name, Function function, Elem32s mode, Rest... rest)
+{
+    return row(name, function, streamed, in<T>(frames * 14), in<T>(39), followed<T>(), stride(41, 39), following(mode),
+               value(mode), rest...);
+}
+
+bool addFollowingAurora(Elem32s mode)
+{
+    return addRows({
+        followingAurora<Elem32f>("lyrsDeltaDelta_Aurora_32f_D2", lyrsDeltaDelta_Aurora_32f_D2, mode),
+        followingAurora<Elem16s>("lyrsDeltaDelta_Aurora_16s_D2Sfs", lyrsDeltaDelta_Aurora_16s_D2Sfs, mode, value(1)),
+        followingAuroraMul<Elem32f>("lyrsDeltaDeltaMul_Aurora_32f_D2", lyrsDeltaDeltaMul_Aurora_32f_D2, mode),
+        followingAuroraMul<Elem16s>("lyrsDeltaDeltaMul_Aurora_16s_D2Sfs", lyrsDeltaDeltaMul_Aurora_16s_D2Sfs, mode,
+                                    value(1)),
+    });
+}
+
+const bool auroraBetween = addFollowingAurora(0);
+const bool auroraAtEnd = addFollowingAurora(DeltaEnd);
 
 // Matrices of 8 rows: 4 statics from column 1 on, half a window of 2.
 const auto byDefault = order(StsNullPtr, StsSize, StsStep);
@@ -145,11 +181,11 @@ const bool evalDelta = addRows({
     row("lyrsEvalDelta_32f_D2", lyrsEvalDelta_32f_D2, byDefault, evaluated<Elem32f>(), rowCount(), stride(11, 9),
         size(4), offset(), halfWindow(), value(0.5F)),
     row("lyrsEvalDelta_16s_D2Sfs", lyrsEvalDelta_16s_D2Sfs, byDefault, evaluated<Elem16s>(), rowCount(), stride(11, 9),
-        size(4), offset(), halfWindow(), value(gain), value(1)),
+        size(4), offset(), halfWindow(), value(gain), value(1).legal({INT32_MIN, INT32_MAX})),
     row("lyrsEvalDeltaMul_32f_D2", lyrsEvalDeltaMul_32f_D2, byDefault, evaluated<Elem32f>(), rowCount(), stride(11, 9),
         in<Elem32f>(8), size(4), offset(), halfWindow()),
     row("lyrsEvalDeltaMul_16s_D2Sfs", lyrsEvalDeltaMul_16s_D2Sfs, byDefault, evaluated<Elem16s>(), rowCount(),
-        stride(11, 9), in<Elem16s>(8), size(4), offset(), halfWindow(), value(1)),
+        stride(11, 9), in<Elem16s>(8), size(4), offset(), halfWindow(), value(1).legal({INT32_MIN, INT32_MAX})),
 });
 
 const bool copies = addRows({

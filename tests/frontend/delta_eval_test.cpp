@@ -100,6 +100,9 @@ void compareShapes()
             compare<T>({12, 16, 1, 3, 3, 6}, mul, address, random);
         }
         compare<T>({2100, 3, 0, 1000, 0, 20}, mul, 0, random); // sums that leave 32 bits
+        for (const Elem32s scale : {INT32_MIN, INT32_MAX}) {
+            compare<T>({9, 21, 0, 2, 1, scale}, mul, 0, random);
+        }
     }
 }
 

@@ -1,5 +1,6 @@
 // Element-wise functions against a scalar reference: every length up to a few vectors of each width, every alignment of
-// source and destination, in place where the types allow it, and buffers that end at an unmapped page.
+// source and destination, in place where the types allow it (over either of two sources), and buffers that end at an
+// unmapped page.
 #pragma once
 
 #include "lyrsr.h"
@@ -171,6 +172,12 @@ void compareBinary(const BinaryCase<T>& c)
                     ASSERT_EQ(c.call(a.data(), b.data(), dst.data(), n), expected.status);
                     ASSERT_NO_FATAL_FAILURE(expectElements(dst, expected, c.same));
                     ASSERT_EQ(std::memcmp(b.data(), y.data(), len * sizeof(T)), 0);
+                    const Guarded<T> first(x, offset);
+                    ASSERT_EQ(c.call(first.data(), b.data(), first.data(), n), expected.status);
+                    ASSERT_NO_FATAL_FAILURE(expectElements(first, expected, c.same)) << "over the first source";
+                    const Guarded<T> over(y, second);
+                    ASSERT_EQ(c.call(a.data(), over.data(), over.data(), n), expected.status);
+                    ASSERT_NO_FATAL_FAILURE(expectElements(over, expected, c.same)) << "over the second source";
                 }
                 if (c.inPlace) {
                     ASSERT_EQ(c.inPlace(a.data(), b.data(), n), expected.status);

@@ -253,6 +253,31 @@ TEST(VectorRecSqrtIntegers, EqualToTheFloor)
     }
 }
 
+// Beyond 2^24 an element and a floor that differ by one may be the same single, and then they are equal.
+TEST(VectorRecSqrtIntegers, ComparedAsSingles)
+{
+    constexpr Elem32s single = 16777216;
+    for (const Elem32s above : {0, 1}) {
+        const Elem32s floor = single + 1 - above;
+        for (std::size_t len = 1; len <= 40; ++len) {
+            const std::vector<Elem32s> x(len, single + above);
+            const auto n = static_cast<Elem32s>(len);
+            const Guarded<Elem32s> aligned(x, 0);
+            const Guarded<Elem32s> unaligned(x, 4);
+            EXPECT_EQ(lyrsRecSqrt_32s_Sfs(aligned.data(), n, floor, 0), StsWarnZero);
+            EXPECT_EQ(lyrsRecSqrt_32s_Sfs(unaligned.data(), n, floor, 0), StsNoErr);
+            const Guarded<Elem32s> src(x, 0);
+            const Guarded<Elem16s> dst(len, 0);
+            EXPECT_EQ(lyrsRecSqrt_32s16s_Sfs(src.data(), dst.data(), n, floor, -20), StsNoErr);
+            for (std::size_t i = 0; i < len; ++i) {
+                EXPECT_EQ(aligned[i], single) << "the floor as a single";
+                EXPECT_EQ(unaligned[i], 0);
+                EXPECT_EQ(dst[i], 256) << "2^20 / 2^12";
+            }
+        }
+    }
+}
+
 TEST(VectorRecSqrtIntegers, HalvesGoToTheEvenNeighbourInEveryRoundingMode)
 {
     for (const int mode : {FE_TONEAREST, FE_UPWARD, FE_DOWNWARD, FE_TOWARDZERO}) {
@@ -372,6 +397,22 @@ TEST(VectorReciprocal, InvalidOperations)
     EXPECT_EQ(status, StsWarnOverflow);
     EXPECT_TRUE(std::isnan(y[2]));
     EXPECT_EQ(_mm_getcsr(), before) << "the flags are as they were";
+}
+
+// What was invalid before the call is no fault of the call.
+TEST(VectorReciprocal, AnInvalidFlagOfEarlierDoesNotCount)
+{
+    alignas(16) const float x[] = {2, 4, 8, 16};
+    float y[4] = {};
+    Status status = 77;
+    const unsigned before = _mm_getcsr();
+    _mm_setcsr(before | 0x1U);
+    lyr::lyrsReciprocal_32f(x, y, 4, &status);
+    const unsigned after = _mm_getcsr();
+    _mm_setcsr(before);
+    EXPECT_EQ(status, 77);
+    EXPECT_EQ(after, before | 0x1U) << "and it stays set";
+    EXPECT_TRUE(nearReciprocal(y[3], 0.0625F));
 }
 
 } // namespace
