@@ -236,7 +236,8 @@ LYRSR_API Status lyrsSqrt_64f_I(Elem64f* pSrcDst, Elem32s len);
  * nearest with ties to even and saturate.
  *
  * An integer element equal to `val` is a value like those above it, except in `lyrsRecSqrt_32s_Sfs` on a vector aligned
- * to 16 bytes, where it is replaced.
+ * to 16 bytes, where it is replaced. The comparison too is in single precision: integers beyond 2^24 that round alike
+ * count as equal.
  * @return also #StsBadArg for a `val` not above 0; #StsWarnZero if every element was replaced
  * @{
  */
@@ -248,7 +249,8 @@ LYRSR_API Status lyrsRecSqrt_32s16s_Sfs(const Elem32s* pSrc, Elem16s* pDst, Elem
 
 /**
  * @name Bell and sinc
- * exp(-x * x) and sin(x) / x, x in radians, with 1 at zero. `32f64f` forms widen each element to double first. Source
+ * exp(-x * x) and sin(x) / x, x in radians, with 1 at zero. `32f64f` forms widen each element to double first. The bell
+ * is within 2 units in the last place for the rounded square, sinc within 3 in double and 1 in single precision. Source
  * and destination may be the same vector where their types are the same; vectors that overlap in part are taken element
  * by element from the first.
  * @{
@@ -422,7 +424,8 @@ LYRSR_API Status lyrsConvert_32s16s_Sfs(const Elem32s* pSrc, Elem16s* pDst, Elem
 
 /**
  * @name Product
- * pDst[i] = pSrc1[i] * pSrc2[i] * 2^(-scaleFactor), to nearest with ties to even, limited to 16 bits. A scale factor above 30 gives zeros.
+ * pDst[i] = pSrc1[i] * pSrc2[i] * 2^(-scaleFactor), to nearest with ties to even, limited to 16 bits. A scale factor
+ * above 30 gives zeros.
  * @return #StsNoErr, #StsNullPtr, #StsSize
  * @{
  */
@@ -432,8 +435,9 @@ LYRSR_API Status lyrsMul_16s_Sfs(const Elem16s* pSrc1, const Elem16s* pSrc2, Ele
 
 /**
  * @name Magnitude
- * pDst[i] = |pSrc[i]| * 2^(-scaleFactor), computed in double precision, limited to 2147483647 and rounded to nearest with ties to even in
- * whatever mode the caller runs. A scale factor above 32 gives zeros; one below -30 gives 2147483647 for every element that is not zero.
+ * pDst[i] = |pSrc[i]| * 2^(-scaleFactor), computed in double precision, limited to 2147483647 and rounded to nearest
+ * with ties to even in whatever mode the caller runs. A scale factor above 32 gives zeros; one below -30 gives
+ * 2147483647 for every element that is not zero.
  * @return #StsNoErr, #StsNullPtr, #StsSize
  * @{
  */
@@ -448,10 +452,10 @@ LYRSR_API Status lyrsMagnitude_32sc_Sfs(const Elem32sc* pSrc, Elem32s* pDst, Ele
 
 /**
  * @name Logarithm of single precision
- * pSrcDst[i] = ln pSrcDst[i], within 2 units in the last place. A zero of either sign gives minus infinity, a negative element NaN; plus
- * infinity and NaN stay as they are.
- * @return #StsNoErr, #StsNullPtr, #StsSize; with every element written, what the first zero or negative element decides: #StsWarnInf for a zero,
- *         #StsWarnNan for a negative one
+ * pSrcDst[i] = ln pSrcDst[i], within 2 units in the last place. A zero of either sign gives minus infinity, a negative
+ * element NaN; plus infinity and NaN stay as they are.
+ * @return #StsNoErr, #StsNullPtr, #StsSize; with every element written, what the first zero or negative element
+ * decides: #StsWarnInf for a zero, #StsWarnNan for a negative one
  * @{
  */
 LYRSR_API Status lyrsLn_32f_I(Elem32f* pSrcDst, Elem32s len);
@@ -459,11 +463,11 @@ LYRSR_API Status lyrsLn_32f_I(Elem32f* pSrcDst, Elem32s len);
 
 /**
  * @name Logarithm of integers
- * With `scaleFactor` 0 or above: the integer nearest to ln x, shifted right by `scaleFactor` modulo 32 bits without rounding. Below 0:
- * ln x * 2^(-scaleFactor) from a logarithm of single precision, rounded to nearest and limited to 32 bits. A zero or negative element gives
- * -2147483648.
- * @return #StsNoErr, #StsNullPtr, #StsSize; with every element written, what the first zero or negative element decides: #StsWarnInf for a zero,
- *         #StsWarnNan for a negative one
+ * With `scaleFactor` 0 or above: the integer nearest to ln x, shifted right by `scaleFactor` modulo 32 bits without
+ * rounding. Below 0: ln x * 2^(-scaleFactor) from a logarithm of single precision, rounded to nearest and limited to 32
+ * bits. A zero or negative element gives -2147483648.
+ * @return #StsNoErr, #StsNullPtr, #StsSize; with every element written, what the first zero or negative element
+ * decides: #StsWarnInf for a zero, #StsWarnNan for a negative one
  * @{
  */
 LYRSR_API Status lyrsLn_32s_Sfs(const Elem32s* pSrc, Elem32s* pDst, Elem32s len, Elem32s scaleFactor);
@@ -472,8 +476,8 @@ LYRSR_API Status lyrsLn_32s_ISfs(Elem32s* pSrcDst, Elem32s len, Elem32s scaleFac
 
 /**
  * @name Sum of logarithms
- * *pSum = sum over i of ln pSrc[i], from products of mantissas in double precision. The first element that is not positive and finite decides the
- * whole result:
+ * *pSum = sum over i of ln pSrc[i], from products of mantissas in double precision. The first element that is not
+ * positive and finite decides the whole result:
  *
  * | element | *pSum | status |
  * |---|---|---|
@@ -492,18 +496,19 @@ LYRSR_API Status lyrsSumLn_64f(const Elem64f* pSrc, Elem32s len, Elem64f* pSum);
 
 /**
  * @defgroup vector_sum Sums and dot products
- * Reductions of `len` elements, at least 1, to one value. Sums of floating-point numbers run in any order unless told otherwise.
+ * Reductions of `len` elements, at least 1, to one value. Sums of floating-point numbers run in any order unless told
+ * otherwise.
  * @{
  */
 
 /**
  * @name Sum
- * `lyrsSum_32f` with `hint` 1 adds in single precision, at most 32768 elements at a time, and joins these sums in extended precision. With any
- * other `hint` it adds every element in extended precision, in eight sums that take turns. `pSrc` may stand at any address, aligned to its
- * elements or not.
+ * `lyrsSum_32f` with `hint` 1 adds in single precision, at most 32768 elements at a time, and joins these sums in
+ * extended precision. With any other `hint` it adds every element in extended precision, in eight sums that take turns,
+ * and the total passes through a double. `pSrc` may stand at any address, aligned to its elements or not.
  *
- * The fixed-point forms scale an exact sum by 2^(-scaleFactor) and limit it to 32 bits: `lyrsSum_16s32s_Sfs` rounds by the floating-point
- * rounding mode in force, `lyrsSum_32s_Sfs` to nearest with ties to even.
+ * The fixed-point forms scale an exact sum by 2^(-scaleFactor) and limit it to 32 bits: `lyrsSum_16s32s_Sfs` rounds by
+ * the floating-point rounding mode in force, `lyrsSum_32s_Sfs` to nearest with ties to even.
  * @return #StsNoErr, #StsNullPtr, #StsSize
  * @{
  */
@@ -514,8 +519,8 @@ LYRSR_API Status lyrsSum_32s_Sfs(const Elem32s* pSrc, Elem32s len, Elem32s* pSum
 
 /**
  * @name Dot product
- * *pDp = sum over i of pSrc1[i] * pSrc2[i]: in the precision of the elements (`32f`, `64f`), in double precision (`32f64f`), exact (`16s64s`), or
- * exact and then rounded once (`16s32f`).
+ * *pDp = sum over i of pSrc1[i] * pSrc2[i]: in the precision of the elements (`32f`, `64f`), in double precision
+ * (`32f64f`), exact (`16s64s`), or exact and then rounded once (`16s32f`).
  * @return #StsNoErr, #StsNullPtr, #StsSize
  * @{
  */
@@ -531,8 +536,8 @@ LYRSR_API Status lyrsDotProd_16s32f(const Elem16s* pSrc1, const Elem16s* pSrc2, 
 
 /**
  * @defgroup fft Real FFT
- * The transform of N = 2^`order` reals to their spectrum, X[k] = sum of x[n] exp(-2 pi i n k / N), and back with the positive exponent. Without
- * scaling, a forward and an inverse transform in sequence multiply the signal by N.
+ * The transform of N = 2^`order` reals to their spectrum, X[k] = sum of x[n] exp(-2 pi i n k / N), and back with the
+ * positive exponent. Without scaling, a forward and an inverse transform in sequence multiply the signal by N.
  *
  * | `flag` | forward scales by | inverse scales by |
  * |---|---|---|
@@ -551,11 +556,12 @@ LYRSR_API Status lyrsDotProd_16s32f(const Elem16s* pSrc1, const Elem16s* pSrc2, 
  *
  * For N = 1, Pack and Perm are R0 and CCS is R0, 0; for N = 2, Pack and Perm are R0, R1 and CCS is R0, 0, R1, 0.
  *
- * A record is built by an `InitAlloc` form, or by an `Init` form in memory of the size that the `GetSize` form tells. It is read-only from then
- * on, and threads may share it if each brings its own work buffer, or none. Memory handed to an `Init` form is aligned as a pointer is, at least
- * (8 bytes in the 64-bit library).
+ * A record is built by an `InitAlloc` form, or by an `Init` form in memory of the size that the `GetSize` form tells.
+ * It is read-only from then on, and threads may share it if each brings its own work buffer, or none. Memory handed to
+ * an `Init` form is aligned as a pointer is, at least (8 bytes in the 64-bit library).
  *
- * Source and destination of a transform may be the same vector, and nothing is asked of their alignment. The result is the same, bit by bit.
+ * Source and destination of a transform may be the same vector, and nothing is asked of their alignment. The result is
+ * the same, bit by bit.
  * @{
  */
 /** State of lyrsFFTFwd_RToPack_32f() and its kin. */
@@ -574,8 +580,10 @@ typedef struct FFTSpec_R_16s32s FFTSpec_R_16s32s;
  * @param pBufSize bytes that a transform works in; 0 if none
  * @{
  */
-LYRSR_API Status lyrsFFTGetSize_R_32f(Elem32s order, Elem32s flag, Elem32s hint, Elem32s* pSpecSize, Elem32s* pInitBufSize, Elem32s* pBufSize);
-LYRSR_API Status lyrsFFTGetSize_R_16s32s(Elem32s order, Elem32s flag, Elem32s hint, Elem32s* pSpecSize, Elem32s* pInitBufSize, Elem32s* pBufSize);
+LYRSR_API Status lyrsFFTGetSize_R_32f(Elem32s order, Elem32s flag, Elem32s hint, Elem32s* pSpecSize,
+                                      Elem32s* pInitBufSize, Elem32s* pBufSize);
+LYRSR_API Status lyrsFFTGetSize_R_16s32s(Elem32s order, Elem32s flag, Elem32s hint, Elem32s* pSpecSize,
+                                         Elem32s* pInitBufSize, Elem32s* pBufSize);
 /** @} */
 
 /**
@@ -585,8 +593,10 @@ LYRSR_API Status lyrsFFTGetSize_R_16s32s(Elem32s order, Elem32s flag, Elem32s hi
  * @param pInitBuf needed from order 11 on, and free again after the call
  * @{
  */
-LYRSR_API Status lyrsFFTInit_R_32f(FFTSpec_R_32f** ppSpec, Elem32s order, Elem32s flag, Elem32s hint, Elem8u* pMem, Elem8u* pInitBuf);
-LYRSR_API Status lyrsFFTInit_R_16s32s(FFTSpec_R_16s32s** ppSpec, Elem32s order, Elem32s flag, Elem32s hint, Elem8u* pMem, Elem8u* pInitBuf);
+LYRSR_API Status lyrsFFTInit_R_32f(FFTSpec_R_32f** ppSpec, Elem32s order, Elem32s flag, Elem32s hint, Elem8u* pMem,
+                                   Elem8u* pInitBuf);
+LYRSR_API Status lyrsFFTInit_R_16s32s(FFTSpec_R_16s32s** ppSpec, Elem32s order, Elem32s flag, Elem32s hint,
+                                      Elem8u* pMem, Elem8u* pInitBuf);
 /** @} */
 
 /**
@@ -600,7 +610,8 @@ LYRSR_API Status lyrsFFTInitAlloc_R_16s32s(FFTSpec_R_16s32s** ppSpec, Elem32s or
 
 /**
  * @name End of a record
- * Its tag is cleared, so that no function takes it any more (#StsContext), and memory of an `InitAlloc` form is released.
+ * Its tag is cleared, so that no function takes it any more (#StsContext), and memory of an `InitAlloc` form is
+ * released.
  * @{
  */
 LYRSR_API Status lyrsFFTFree_R_32f(FFTSpec_R_32f* pSpec);
@@ -616,19 +627,23 @@ LYRSR_API Status lyrsFFTGetBufSize_R_32f(const FFTSpec_R_32f* pSpec, Elem32s* pB
  * @return #StsNullPtr (record), #StsContext, #StsNullPtr (vectors) or #StsMemAlloc
  * @{
  */
-LYRSR_API Status lyrsFFTFwd_RToPack_32f(const Elem32f* pSrc, Elem32f* pDst, const FFTSpec_R_32f* pSpec, Elem8u* pBuffer);
-LYRSR_API Status lyrsFFTFwd_RToPerm_32f(const Elem32f* pSrc, Elem32f* pDst, const FFTSpec_R_32f* pSpec, Elem8u* pBuffer);
+LYRSR_API Status lyrsFFTFwd_RToPack_32f(const Elem32f* pSrc, Elem32f* pDst, const FFTSpec_R_32f* pSpec,
+                                        Elem8u* pBuffer);
+LYRSR_API Status lyrsFFTFwd_RToPerm_32f(const Elem32f* pSrc, Elem32f* pDst, const FFTSpec_R_32f* pSpec,
+                                        Elem8u* pBuffer);
 LYRSR_API Status lyrsFFTFwd_RToCCS_32f(const Elem32f* pSrc, Elem32f* pDst, const FFTSpec_R_32f* pSpec, Elem8u* pBuffer);
 /** @} */
 
 /** Spectrum to signal; arguments and result as of the forward transforms. */
-LYRSR_API Status lyrsFFTInv_PackToR_32f(const Elem32f* pSrc, Elem32f* pDst, const FFTSpec_R_32f* pSpec, Elem8u* pBuffer);
+LYRSR_API Status lyrsFFTInv_PackToR_32f(const Elem32f* pSrc, Elem32f* pDst, const FFTSpec_R_32f* pSpec,
+                                        Elem8u* pBuffer);
 
 /**
- * Spectrum of 16-bit samples, transformed in single precision and converted with #StsNoErr also where it saturates. From order 29 on the work
- * memory is beyond a 32-bit size, and the result is #StsMemAlloc.
+ * Spectrum of 16-bit samples, transformed in single precision and converted with #StsNoErr also where it saturates.
+ * From order 29 on the work memory is beyond a 32-bit size, and the result is #StsMemAlloc.
  */
-LYRSR_API Status lyrsFFTFwd_RToCCS_16s32s_Sfs(const Elem16s* pSrc, Elem32s* pDst, const FFTSpec_R_16s32s* pSpec, Elem32s scaleFactor, Elem8u* pBuffer);
+LYRSR_API Status lyrsFFTFwd_RToCCS_16s32s_Sfs(const Elem16s* pSrc, Elem32s* pDst, const FFTSpec_R_16s32s* pSpec,
+                                              Elem32s scaleFactor, Elem8u* pBuffer);
 /** @} */
 
 /* ================================================ scoring: log domain ============================================= */
@@ -902,25 +917,28 @@ LYRSR_API Status lyrsLogGaussMixture_IdVar_64f_D2L(const Elem64f* pSrc, const El
 /**
  * @defgroup frontend_bank Mel filter banks
  *
- * From a spectrum to one energy for each of a row of overlapping triangular filters (Davis and Mermelstein, Comparison of Parametric
- * Representations for Monosyllabic Word Recognition, IEEE Trans. ASSP 28(4), 1980). Filter i, counted from 1, rises from centre i - 1 to centre
- * i and falls to centre i + 1; centres are numbers of bins of a transform of `fftLen` points:
+ * From a spectrum to one energy for each of a row of overlapping triangular filters (Davis and Mermelstein, Comparison
+ * of Parametric Representations for Monosyllabic Word Recognition, IEEE Trans. ASSP 28(4), 1980). Filter i, counted
+ * from 1, rises from centre i - 1 to centre i and falls to centre i + 1; centres are numbers of bins of a transform of
+ * `fftLen` points:
  *
  *     pDst[i-1] = sum over k from centre(i-1) to centre(i) of left(i, k) * pSrc[k]
  *               + sum over k from centre(i) + 1 to centre(i+1) of right(i, k) * pSrc[k]
  *
- * A bank is a record that is built once and then evaluated for each frame. Evaluation reads the record only, so that threads may share it;
- * with #FBankFromFrames it also writes scratch that belongs to the record, and such a bank serves one thread at a time.
+ * A bank is a record that is built once and then evaluated for each frame. Evaluation reads the record only, so that
+ * threads may share it; with #FBankFromFrames it also writes scratch that belongs to the record, and such a bank serves
+ * one thread at a time.
  *
  * The scale is mel(f) = melMul * ln(1 + f / melDiv), with the natural logarithm also for the customary factor of 2595.
  *
- * An `InitAlloc` form takes a bank from the library's allocator; release it with `lyrsFBankFree_*`. An `Init` form lays it into the caller's
- * memory, whose size the matching `GetSize` form tells; the memory need be aligned no further than to 8 bytes (4 in the 32-bit build), and the
- * bank ends with it: `lyrsFBankFree_*` is not for it. `Elem16s` input has weights with 14 fraction bits, the integer bank 30.
+ * An `InitAlloc` form takes a bank from the library's allocator; release it with `lyrsFBankFree_*`. An `Init` form lays
+ * it into the caller's memory, whose size the matching `GetSize` form tells; the memory need be aligned no further than
+ * to 8 bytes (4 in the 32-bit build), and the bank ends with it: `lyrsFBankFree_*` is not for it. `Elem16s` input has
+ * weights with 14 fraction bits, the integer bank 30.
  *
- * If an allocation fails (#StsMemAlloc) on the way, what has been taken so far stays taken, and `*ppFBank` is the unfinished record if that
- * could be had: set it to null before the call, and if it is not null afterwards release it with `lyrsFBankFree_*`, which takes unfinished
- * records.
+ * If an allocation fails (#StsMemAlloc) on the way, what has been taken so far stays taken, and `*ppFBank` is the
+ * unfinished record if that could be had: set it to null before the call, and if it is not null afterwards release it
+ * with `lyrsFBankFree_*`, which takes unfinished records.
  * @{
  */
 
@@ -936,13 +954,14 @@ enum LyrsFBankFlag
 {
     FBankMelShape = 1,  /**< centres truncated to whole bins; sides straight in mel */
     FBankBinShape = 2,  /**< centres rounded to the nearest bin; sides straight in bins, above zero at both ends */
-    FBankFromFrames = 4 /**< evaluation takes a frame of `fftLen` samples and transforms it; else a spectrum of fftLen / 2 + 1 bins */
+    FBankFromFrames = 4 /**< evaluation takes a frame and transforms it, else a spectrum; see lyrsEvalFBank_32f() */
 };
 
 /**
  * @name Conversion between scales
- * `lyrsMelToLinear_32f`: pDst[i] = melDiv * (exp(pSrc[i] / melMul) - 1); `lyrsLinearToMel_32f`: pDst[i] = melMul * ln(1 + pSrc[i] / melDiv),
- * each in double precision with the reciprocal of the divisor formed once. In place is possible.
+ * `lyrsMelToLinear_32f`: pDst[i] = melDiv * (exp(pSrc[i] / melMul) - 1).
+ * `lyrsLinearToMel_32f`: pDst[i] = melMul * ln(1 + pSrc[i] / melDiv).
+ * Each in double precision with the reciprocal of the divisor formed once. In place is possible.
  * @return #StsNoErr, #StsNullPtr; #StsSize also for a `melMul` or `melDiv` that is not above 0
  * @{
  */
@@ -965,9 +984,9 @@ LYRSR_API Status lyrsLinearToMel_32f(const Elem32f* pSrc, Elem32f* pDst, Elem32s
  * @param melMul    factor of the mel scale
  * @param melDiv    corner frequency of the mel scale
  * @param flag      see #LyrsFBankFlag
- * @return #StsNoErr; in this order: #StsNullPtr; #StsSize for `fftLen`, `nFilter`, `sampFreq` or `lowFreq`; #StsFBankFreq; #StsFBankFlag;
- *         #StsMemAlloc (`InitAlloc`). A frequency that is not a number passes. A bank whose size 32 bits cannot tell is #StsSize in the
- *         GetSize and Init forms and #StsMemAlloc in the `InitAlloc` forms.
+ * @return #StsNoErr; in this order: #StsNullPtr; #StsSize for `fftLen`, `nFilter`, `sampFreq` or `lowFreq`;
+ * #StsFBankFreq; #StsFBankFlag; #StsMemAlloc (`InitAlloc`). A frequency that is not a number passes. A bank whose size
+ * 32 bits cannot tell is #StsSize in the GetSize and Init forms and #StsMemAlloc in the `InitAlloc` forms.
  * @{
  */
 LYRSR_API Status lyrsMelFBankGetSize_32f(Elem32s fftLen, Elem32s nFilter, Elem32s flag, Elem32s* pSize);
@@ -988,8 +1007,8 @@ LYRSR_API Status lyrsMelFBankInitAlloc_16s(FBankState_16s** ppFBank, Elem32s* pF
 
 /**
  * @name Mel bank in integers
- * The same bank with #FBankBinShape, built without floating point. Frequencies are whole hertz; `melMul` and `melDiv` have 15 fraction bits.
- * Nothing ties `highFreq` to half the rate: filters beyond the spectrum are cut off there.
+ * The same bank with #FBankBinShape, built without floating point. Frequencies are whole hertz; `melMul` and `melDiv`
+ * have 15 fraction bits. Nothing ties `highFreq` to half the rate: filters beyond the spectrum are cut off there.
  * @param fftLen   32 to 8192 points, rounded up to a power of two
  * @param sampFreq sampling rate, 1 to 48000
  * @param lowFreq  lower edge, at least 0
@@ -999,8 +1018,9 @@ LYRSR_API Status lyrsMelFBankInitAlloc_16s(FBankState_16s** ppFBank, Elem32s* pF
  * @param melDiv   0x80001 to 0xFFFFFFF
  * @param flag     #FBankBinShape
  * @return `lyrsMelFBankGetSize_32s`: #StsNoErr; #StsNullPtr; #StsSize; #StsFBankFlag; #StsSize for too many filters.
- *         `lyrsMelFBankInit_32s`: #StsNoErr; #StsNullPtr; #StsSize for `nFilter`, `highFreq` below 1 or `fftLen`; #StsFBankFlag; #StsSize for
- *         `sampFreq` or `lowFreq`; #StsFBankFreq; #StsBadArg for `melDiv`, then `melMul`; #StsSize for too many filters
+ *         `lyrsMelFBankInit_32s`: #StsNoErr; #StsNullPtr; #StsSize for `nFilter`, `highFreq` below 1 or `fftLen`;
+ * #StsFBankFlag; #StsSize for `sampFreq` or `lowFreq`; #StsFBankFreq; #StsBadArg for `melDiv`, then `melMul`; #StsSize
+ * for too many filters
  * @{
  */
 LYRSR_API Status lyrsMelFBankGetSize_32s(Elem32s fftLen, Elem32s nFilter, Elem32s flag, Elem32s* pSize);
@@ -1011,8 +1031,8 @@ LYRSR_API Status lyrsMelFBankInit_32s(FBankState_32s* pFBank, Elem32s* pFFTOrder
 
 /**
  * @name Banks of the Aurora front end
- * The two fixed banks of ETSI ES 202 050 for 8 kHz and 128 points: 25 filters over the band (`Low`), each with weights that add up to one and the
- * first and last a half triangle, and 3 filters (`High`). Both take a spectrum of 65 bins.
+ * The two fixed banks of ETSI ES 202 050 for 8 kHz and 128 points: 25 filters over the band (`Low`), each with weights
+ * that add up to one and the first and last a half triangle, and 3 filters (`High`). Both take a spectrum of 65 bins.
  * @return #StsNoErr, #StsNullPtr, #StsMemAlloc (`InitAlloc`)
  * @{
  */
@@ -1032,9 +1052,10 @@ LYRSR_API Status lyrsMelFBankInitAllocHigh_Aurora_16s(FBankState_16s** ppFBank);
 
 /**
  * @name Mel-linear bank
- * `nLinear` filters between edges that are equally spaced in hertz from `lowFreq` to `highLinFreq`, and above them the others, equally spaced in mel
- * up to `highFreq`. If all filters are linear, `highFreq` plays no part. With #FBankMelShape in a mixed bank the mel filters have sides that are
- * straight in bins, and the right side of the last linear filter is usually zero.
+ * `nLinear` filters between edges that are equally spaced in hertz from `lowFreq` to `highLinFreq`, and above them the
+ * others, equally spaced in mel up to `highFreq`. If all filters are linear, `highFreq` plays no part. With
+ * #FBankMelShape in a mixed bank the mel filters have sides that are straight in bins, and the right side of the last
+ * linear filter is usually zero.
  * @param ppFBank     receives the bank; the pointers are not checked
  * @param pFFTOrder   receives log2 of the length that the bank uses
  * @param highLinFreq upper end of the linear part in hertz, from `lowFreq` to `highFreq`
@@ -1054,8 +1075,9 @@ LYRSR_API Status lyrsMelLinFBankInitAlloc_16s(FBankState_16s** ppFBank, Elem32s*
 
 /**
  * @name Empty bank
- * A bank that the caller fills: `lyrsFBankSetCenters_*` makes it ready, with all weights zero, and `lyrsFBankSetCoeffs_*` fills it filter by filter.
- * Evaluation takes a spectrum, whatever `flag` says; no value of `flag` is refused. The pointers are not checked.
+ * A bank that the caller fills: `lyrsFBankSetCenters_*` makes it ready, with all weights zero, and
+ * `lyrsFBankSetCoeffs_*` fills it filter by filter. Evaluation takes a spectrum, whatever `flag` says; no value of
+ * `flag` is refused. The pointers are not checked.
  * @return #StsNoErr; #StsSize for `fftLen` or `nFilter`; #StsMemAlloc
  * @{
  */
@@ -1070,13 +1092,14 @@ LYRSR_API Status lyrsEmptyFBankInitAlloc_16s(FBankState_16s** ppFBank, Elem32s* 
  * @param pSrc        a spectrum of fftLen / 2 + 1 bins, or with #FBankFromFrames a frame of `fftLen` samples
  * @param pDst        receives `nFilter` energies
  * @param pFBank      the bank
- * @param scaleFactor results are divided by 2^scaleFactor, toward minus infinity and saturating; `lyrsEvalFBank_32s_Sfs` rounds to the
- *                    nearest and limits at the upper end only, as its input is magnitudes
+ * @param scaleFactor results are divided by 2^scaleFactor, toward minus infinity and saturating;
+ * `lyrsEvalFBank_32s_Sfs` rounds to the nearest and limits at the upper end only, as its input is magnitudes
  *
- * Sums of `lyrsEvalFBank_32f` run in any order. Integer sums are exact in 64 bits, but for two members: with #FBankFromFrames each product of
- * `lyrsEvalFBank_16s_Sfs` wraps at 32 bits, and each product of `lyrsEvalFBank_32s_Sfs` loses its last 8 bits.
- * @return #StsNoErr, #StsNullPtr; #StsFBankNotReady before an empty bank has its centres; `lyrsEvalFBank_32s_Sfs`: #StsBadArg for a
- *         `scaleFactor` outside -31 to 31
+ * Sums of `lyrsEvalFBank_32f` run in any order. Integer sums are exact in 64 bits, but for two members: with
+ * #FBankFromFrames each product of `lyrsEvalFBank_16s_Sfs` wraps at 32 bits, and each product of
+ * `lyrsEvalFBank_32s_Sfs` loses its last 8 bits.
+ * @return #StsNoErr, #StsNullPtr; #StsFBankNotReady before an empty bank has its centres; `lyrsEvalFBank_32s_Sfs`:
+ * #StsBadArg for a `scaleFactor` outside -31 to 31
  * @{
  */
 LYRSR_API Status lyrsEvalFBank_32f(const Elem32f* pSrc, Elem32f* pDst, const FBankState_32f* pFBank);
@@ -1097,12 +1120,13 @@ LYRSR_API Status lyrsFBankFree_16s(FBankState_16s* pFBank);
 
 /**
  * @name Centres and weights
- * Centres are nFilter + 2 bin numbers. The weights of filter `fIdx`, counted from 1, are those of its left side, from one centre to the next with
- * both ends, and then those of its right side, without its lower end. `_16s` forms convert between 14 fraction bits and singles, toward zero on the
- * way in.
+ * Centres are nFilter + 2 bin numbers. The weights of filter `fIdx`, counted from 1, are those of its left side, from
+ * one centre to the next with both ends, and then those of its right side, without its lower end. `_16s` forms convert
+ * between 14 fraction bits and singles, toward zero on the way in.
  * @param fIdx 1 to `nFilter`; GetCoeffs takes `nFilter` + 1 too
- * @return #StsNoErr, #StsNullPtr; #StsFBankNotReady if the bank has no centres yet, and for centres that are below 0, out of order or beyond
- *         fftLen / 2, with nothing stored (the last two are not compared with each other); #StsSize for `fIdx`
+ * @return #StsNoErr, #StsNullPtr; #StsFBankNotReady if the bank has no centres yet, and for centres that are below 0,
+ * out of order or beyond fftLen / 2, with nothing stored (the last two are not compared with each other); #StsSize for
+ * `fIdx`
  * @{
  */
 LYRSR_API Status lyrsFBankGetCenters_32f(const FBankState_32f* pFBank, Elem32s* pCenters);
@@ -1358,8 +1382,8 @@ LYRSR_API Status lyrsDeltaDeltaMul_Win2_16s_D2Sfs(const Elem16s* pSrc, const Ele
  * statics, of which the last is c0 * 0.6 / 23 + logE * 0.4, then 13 deltas and 13 delta-deltas, both formed of the
  * statics as stored. Delta weights are t / 4 for t = -4 ... 4; delta-delta weights 1, 0.25, -0.285714, -0.607143,
  * -0.714286, -0.607143, -0.285714, 0.25, 1. In 16 bits the statics are shifted right too, deltas are formed in 32-bit
- * integers that wrap, delta-deltas and the mix in single precision, truncated. There a negative scaleFactor does not
- * shift left: counts are taken modulo 32.
+ * integers that wrap, delta-deltas and the mix in single precision, truncated and limited to 32 bits. There a negative
+ * scaleFactor does not shift left: counts are taken modulo 32.
  * @param pSrc        `height` frames of 14 elements, without gaps
  * @param pVal        39 gains
  * @param pDst        feature matrix, from the first waiting row on
