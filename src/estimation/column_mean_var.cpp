@@ -11,6 +11,7 @@
 #include "frame/check.hpp"
 #include "frame/fixed_point.hpp"
 #include "frame/memory.hpp"
+#include "frame/rounding.hpp"
 #include "frame/scale.hpp"
 #include "lyrsr.h"
 
@@ -19,6 +20,7 @@
 using lyr::Block;
 using lyr::clear;
 using lyr::Columns;
+using lyr::convertToNearest;
 using lyr::forEachPanel;
 using lyr::panelColumns;
 using lyr::Table;
@@ -124,7 +126,7 @@ Status mean16s(Columns<Rows> columns, Elem16s* mean)
     for (Elem32s c = 0; c < columns.width; ++c) {
         sums.data()[c] *= factor;
     }
-    return lyrsConvert_32f16s_Sfs(sums.data(), mean, columns.width, toNearest, 0);
+    return lyrsConvert_32f16s_Sfs(sums.data(), mean, columns.width, convertToNearest, 0);
 }
 
 template <class Rows>
@@ -138,7 +140,7 @@ Status var16s(Columns<Rows> columns, const Elem16s* mean, Elem16s* var, Elem32s 
     for (Elem32s c = 0; c < columns.width; ++c) {
         squares.data()[c] = variance(squares.data()[c], static_cast<Elem32f>(mean[c]));
     }
-    return lyrsConvert_32f16s_Sfs(squares.data(), var, columns.width, toNearest, scaleFactor);
+    return lyrsConvert_32f16s_Sfs(squares.data(), var, columns.width, convertToNearest, scaleFactor);
 }
 
 // The mean enters the variance before it is rounded to 16 bits.
@@ -157,8 +159,8 @@ Status meanVar16s(Columns<Rows> columns, Elem16s* pMean, Elem16s* pVar, Elem32s 
             mean[c] *= factor;
             var[c] = variance(var[c], mean[c]);
         }
-        lyrsConvert_32f16s_Sfs(mean, pMean + first, count, toNearest, 0);
-        lyrsConvert_32f16s_Sfs(var, pVar + first, count, toNearest, scaleFactor);
+        lyrsConvert_32f16s_Sfs(mean, pMean + first, count, convertToNearest, 0);
+        lyrsConvert_32f16s_Sfs(var, pVar + first, count, convertToNearest, scaleFactor);
     });
     return StsNoErr;
 }

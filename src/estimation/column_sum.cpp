@@ -2,11 +2,13 @@
 
 #include "estimation/column_sums.hpp"
 #include "frame/check.hpp"
+#include "frame/rounding.hpp"
 #include "lyrsr.h"
 
 using lyr::Block;
 using lyr::clear;
 using lyr::Columns;
+using lyr::convertToNearest;
 using lyr::forEachPanel;
 using lyr::panelColumns;
 
@@ -59,8 +61,8 @@ Status sumMeanVarScaled(const Elem16s* pSrc, Elem32s step, Elem32s height, Elem3
             }
         }
         kernels.shorts.block.both({Block{pSrc, step}, height, count, first}, nullptr, sum, sumSq);
-        lyrsConvert_32f32s_Sfs(sum, pSum + first, count, toNearest, scaleFactor);
-        lyrsConvert_32f32s_Sfs(sumSq, pSumSq + first, count, toNearest, scaleFactor);
+        lyrsConvert_32f32s_Sfs(sum, pSum + first, count, convertToNearest, scaleFactor);
+        lyrsConvert_32f32s_Sfs(sumSq, pSumSq + first, count, convertToNearest, scaleFactor);
     });
     return StsNoErr;
 }

@@ -5,6 +5,7 @@
 #pragma once
 
 #include "frame/width.hpp"
+#include "lyrsr.h"
 
 #include <xmmintrin.h>
 
@@ -16,6 +17,9 @@ inline constexpr unsigned roundTowardZero = 0x6000U;
 inline constexpr unsigned exceptionMasks = 0x1F80U;
 inline constexpr unsigned exceptionFlags = 0x003FU;
 inline constexpr unsigned invalidFlag = 0x0001U;
+
+// The rounding mode to nearest, as an argument of the conversions to integers.
+inline constexpr Elem32s convertToNearest = 1;
 
 // For its lifetime: a rounding mode, and all exceptions masked. Afterwards the control bits and the flags in
 // `KeptFlags` are as they were found; the other flags show what the arithmetic raised.

@@ -764,6 +764,12 @@ LYR_INLINE unsigned signBits(F64 a)
 }
 #endif
 
+// Likewise, limited to 32 bits; NaN gives 2^31 - 1.
+LYR_INLINE I32 toIntLimited(F32 a)
+{
+    return a < splat(0x1p31F) ? toInt(a) : splat(std::int32_t{INT32_MAX});
+}
+
 LYR_INLINE F32 abs(F32 a)
 {
     return as<F32>(as<I32>(a) & splat(std::int32_t{0x7FFFFFFF}));

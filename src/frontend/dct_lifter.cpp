@@ -6,6 +6,7 @@
 #include "frame/check.hpp"
 #include "frame/layout.hpp"
 #include "frame/memory.hpp"
+#include "frame/rounding.hpp"
 #include "frame/select.hpp"
 #include "frontend/dct_lifter_kernels.hpp"
 #include "lyrsr.h"
@@ -197,9 +198,8 @@ lyr::DctLifter lifterOf(const State& state)
 
 Status roundCepstra(const DCTLifterState_16s& state, Elem16s* pDst, Elem32s scaleFactor)
 {
-    constexpr Elem32s toNearest = 1;
     const Elem32s count = state.lenCepstrum + (state.hasC0 != 0 ? 1 : 0);
-    return lyrsConvert_32f16s_Sfs(state.pTmp, pDst, count, toNearest, scaleFactor);
+    return lyrsConvert_32f16s_Sfs(state.pTmp, pDst, count, lyr::convertToNearest, scaleFactor);
 }
 
 } // namespace

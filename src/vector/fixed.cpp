@@ -4,10 +4,8 @@
 #include "frame/rounding.hpp"
 #include "frame/scale.hpp"
 #include "lyrsr.h"
+#include "vector/elements.hpp"
 #include "vector/fixed_kernels.hpp"
-
-#include <cstddef>
-#include <cstring>
 
 namespace {
 
@@ -21,7 +19,7 @@ Status lyrsMul_16s_Sfs(const Elem16s* pSrc1, const Elem16s* pSrc2, Elem16s* pDst
     if (scaleFactor == 0) {
         kernels.multiply(pSrc1, pSrc2, pDst, len, 0);
     } else if (scaleFactor > 30) {
-        std::memset(pDst, 0, static_cast<std::size_t>(len) * sizeof *pDst);
+        lyr::zeroElements(pDst, len);
     } else if (scaleFactor > 0) {
         kernels.multiplyShiftedRight(pSrc1, pSrc2, pDst, len, scaleFactor);
     } else {
@@ -36,7 +34,7 @@ Status lyrsMagnitude_32sc_Sfs(const Elem32sc* pSrc, Elem32s* pDst, Elem32s len, 
     LYR_CHECK(pointers(pSrc, pDst), sizes(len));
     // Outside these limits the answer needs no arithmetic.
     if (scaleFactor > 32) {
-        std::memset(pDst, 0, static_cast<std::size_t>(len) * sizeof *pDst);
+        lyr::zeroElements(pDst, len);
     } else if (scaleFactor < -30) {
         for (Elem32s i = 0; i < len; ++i) {
             pDst[i] = (pSrc[i].re | pSrc[i].im) != 0 ? INT32_MAX : 0;

@@ -103,8 +103,8 @@ Status nearest32s(const Elem32s* src, Elem32s* dst, Elem32s len, int shift)
 Status scaled32s(const Elem32s* src, Elem32s* dst, Elem32s len, Elem32f factor)
 {
     return mapPositive(src, dst, len, [f = splat(factor)](I32 x) {
-        const F32 y = lnNormal(toFloat(x)) * f;
-        return y < splat(0x1p31F) ? toInt(y) : splat(std::int32_t{INT32_MAX});
+        // No logarithm is zero but that of 1, which an infinite factor makes NaN.
+        return toIntLimited(lnNormal(toFloat(x)) * f);
     });
 }
 

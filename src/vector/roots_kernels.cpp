@@ -72,7 +72,7 @@ struct From
 // Limited from above to the range of the result, as integers; nothing here is negative.
 LYR_INLINE I32 toIntegers(F32 v, const Elem32s* /*range*/)
 {
-    return v >= splat(0x1p31F) ? splat(INT32_MAX) : toInt(v);
+    return toIntLimited(v);
 }
 
 LYR_INLINE I32 toIntegers(F32 v, const Elem16s* /*range*/)
