@@ -30,10 +30,8 @@ namespace {
 
 const lyr::ColumnSumsKernels kernels = LYR_SELECT_KERNELS(columnSumsKernels);
 
-constexpr Elem32s toNearest = 1; // a rounding mode of the conversions
-
 // One over a number of rows. Singles get it from double precision, 16-bit data by a division in the precision of its
-// sums.
+// sums. The two part only from 2^24 rows on, where the number itself is rounded first.
 Elem32f roundedReciprocal(Elem32s n)
 {
     return static_cast<Elem32f>(1.0 / n);
@@ -58,9 +56,8 @@ private:
     T factor;
 };
 
-// Sums in single precision of data that is converted to 16 bits at the end need a place of their own; the aligned
-// kernels once wrote whole vectors into it, which the spare elements were for, and its size is part of when a call runs
-// out of memory.
+// Sums in single precision of data that is converted to 16 bits at the end need a place of their own. Eight more than
+// the columns: the size of the request is part of when a call runs out of memory, and kept.
 constexpr Elem64s spareColumns = 8;
 
 // To an integer in the rounding mode in force, limited to its range. A NaN, which only zero times an infinite scale
@@ -112,8 +109,7 @@ Status meanVar32f(Columns<Rows> columns, Elem32f* mean, Elem32f* var)
     return StsNoErr;
 }
 
-// -------------------------------------------------------------------------------------------- 16 bits, summed in
-// single
+// ------------------------------------------------------------------------------------------- 16 bits, summed in single
 
 template <class Rows>
 Status mean16s(Columns<Rows> columns, Elem16s* mean)
@@ -165,8 +161,7 @@ Status meanVar16s(Columns<Rows> columns, Elem16s* pMean, Elem16s* pVar, Elem32s 
     return StsNoErr;
 }
 
-// -------------------------------------------------------------------------------------------- 16 bits, summed in
-// double
+// ------------------------------------------------------------------------------------------- 16 bits, summed in double
 
 // store(c, mean, var) writes a column's results. `scale` is a power of two.
 template <class Rows, class Store>

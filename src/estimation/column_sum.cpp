@@ -16,8 +16,6 @@ namespace {
 
 const lyr::ColumnSumsKernels kernels = LYR_SELECT_KERNELS(columnSumsKernels);
 
-constexpr Elem32s toNearest = 1; // a rounding mode of the conversion
-
 enum class Contents
 {
     Overwritten,
@@ -42,8 +40,8 @@ Status sumMeanVar(const S* pSrc, Elem32s step, Elem32s height, Elem32f* sum, Ele
     return StsNoErr;
 }
 
-// The integer results hold what single precision kept of the sums: beyond 2^24 low bits are lost, as meant. Integers
-// that are added to enter the sum first.
+// The integer results hold what single precision kept of the sums: beyond 2^24 low bits are lost, as meant. In the
+// in-place form the old integers are the sum's first term.
 Status sumMeanVarScaled(const Elem16s* pSrc, Elem32s step, Elem32s height, Elem32s* pSum, Elem32s* pSumSq,
                         Elem32s width, Elem32s scaleFactor, Contents contents)
 {

@@ -116,8 +116,8 @@ LYR_INLINE I16 shifted(Wide v, int count)
 
 LYR_INLINE I32 truncated(F32 v)
 {
-    // Beyond 2^31 the conversion knows no result; every shift count takes this limit to what it takes the exact value
-    // to, or both to saturation.
+    // Beyond 2^31 the conversion knows no result: it is limited like every conversion to 32 bits, to a value that each
+    // shift takes where it takes 2^31 - 1.
     return truncateToInt(min(v, splat(2147483520.0F)));
 }
 

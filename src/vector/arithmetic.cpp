@@ -41,8 +41,7 @@ Status divisor(T val)
 
 } // namespace
 
-// ----------------------------------------------------------------------------------------------- magnitude, sum,
-// product
+// --------------------------------------------------------------------------------------------- magnitude, sum, product
 
 Status lyrsAbs_64f(const Elem64f* pSrc, Elem64f* pDst, Elem32s len)
 {

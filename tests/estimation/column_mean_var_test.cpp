@@ -33,8 +33,7 @@ enum class Layout
 };
 constexpr Layout bothLayouts[] = {Layout::Block, Layout::Table};
 
-// ----------------------------------------------------------------- the members by layout, each named where it is
-// called
+// ---------------------------------------------------------------- the members by layout, each named where it is called
 
 Status mean(Layout layout, const FeatureRows<float>& x, const Shape& s, float* m)
 {

@@ -190,8 +190,7 @@ TEST(RowTable, ThreeRowsOfFive)
     lyrsFree(table); // the same as Free2
 }
 
-// ------------------------------------------------------------------------------------------------ block-diagonal
-// matrix
+// ----------------------------------------------------------------------------------------------- block-diagonal matrix
 
 template <class T>
 void checkMatrix(lyr::BlockMatrix<T>* (*allocate)(const Elem32s*, Elem32s) noexcept, const std::vector<Elem32s>& sizes)

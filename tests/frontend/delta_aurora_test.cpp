@@ -127,7 +127,7 @@ TEST(AuroraDelta, TheLastStaticIsMixedAndItsDeltaIsTakenOnTheMix)
         const auto c0 = static_cast<float>(r * r);
         EXPECT_EQ(rows[r * columns + 12], c0 * 0.6F / 23.0F + static_cast<float>(10 * r) * 0.4F) << r;
     }
-    // At row 4 the exact delta of the mix is 2 * (9/16... ) by the weights t / 4: c0 gives 120, log energy 150.
+    // At row 4, by the weights t / 4: c0 = r^2 gives 120, log energy 10 r gives 150.
     EXPECT_NEAR(rows[4 * columns + 25], 120 * 0.6 / 23 + 150 * 0.4, 1e-4);
     EXPECT_EQ(rows[4 * columns + 13], 0.0F);
 }

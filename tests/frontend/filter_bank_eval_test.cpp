@@ -125,8 +125,7 @@ std::vector<std::vector<Elem32s>> layouts()
 constexpr int fftLen = 512;
 constexpr std::size_t bins = fftLen / 2 + 1;
 
-// --------------------------------------------------------------------------------------------------------------
-// singles
+// ------------------------------------------------------------------------------------------------------------- singles
 
 TEST(FilterBankEval, SinglesAreTheDenseProduct)
 {
@@ -286,8 +285,7 @@ TEST(FilterBankEval, AnEmptyBankIsZeroUntilItIsFilled)
     EXPECT_EQ(dst[1], 165);
 }
 
-// -------------------------------------------------------------------------------------------------------------
-// integers
+// ------------------------------------------------------------------------------------------------------------ integers
 
 TEST(FilterBankEval, IntegersAreTheDenseProduct)
 {
@@ -468,8 +466,7 @@ TEST(FilterBankEval, FramesOfIntegers)
     EXPECT_TRUE(wrapped) << "no case in which the wrapping shows";
 }
 
-// --------------------------------------------------------------------------------------------------------- Aurora
-// banks
+// -------------------------------------------------------------------------------------------------------- Aurora banks
 
 TEST(FilterBankEval, AuroraBanks)
 {

@@ -61,8 +61,7 @@ TEST(VectorArithmetic, Multiply)
     compareBinary<float>({numbers<float>, lyrsMul_32f, {}, times<float>});
 }
 
-// ------------------------------------------------------------------------------------------------------- with a
-// constant
+// ----------------------------------------------------------------------------------------------------- with a constant
 
 template <class T>
 struct ConstantCase
@@ -158,8 +157,7 @@ TEST(VectorArithmetic, DivideByZeroOrNanConstant)
     }
 }
 
-// -------------------------------------------------------------------------------------------------------------
-// division
+// ------------------------------------------------------------------------------------------------------------ division
 
 template <class T>
 const auto quotients = [](const std::vector<T>& divisor, const std::vector<T>& dividend) {

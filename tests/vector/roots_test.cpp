@@ -26,8 +26,7 @@ using lyr::test::withSpecials;
 constexpr float inf = std::numeric_limits<float>::infinity();
 constexpr float nan = std::numeric_limits<float>::quiet_NaN();
 
-// ---------------------------------------------------------------------------------------------------------------
-// square
+// -------------------------------------------------------------------------------------------------------------- square
 
 TEST(VectorSqrt, MatchesOracle)
 {
@@ -83,8 +82,7 @@ TEST(VectorSqrt, KeepsTheFlags)
     }
 }
 
-// -----------------------------------------------------------------------------------------------------------
-// reciprocal
+// ---------------------------------------------------------------------------------------------------------- reciprocal
 
 // An estimate to 1.5 * 2^-12 leaves 1.5 times its square after one step of Newton's method, 2.0e-7; the step itself
 // rounds five times, two of them of a term of weight one half: 3 * 2^-24 = 1.8e-7. Specials are two roundings off.
@@ -175,8 +173,7 @@ TEST(VectorRecSqrt, FloorMustBeAboveZero)
     EXPECT_EQ(s, 5);
 }
 
-// -------------------------------------------------------------------------------------------------- reciprocal,
-// integers
+// ------------------------------------------------------------------------------------------------ reciprocal, integers
 
 // Single precision rounds the quotient and the root, each within half of 2^-23, and the integer once more. Where the
 // exact value is so near to a half that this decides, either neighbour is right.
@@ -315,8 +312,7 @@ TEST(VectorRecSqrtIntegers, LimitedToTheRange)
     EXPECT_EQ(s[1], 21845);
 }
 
-// ------------------------------------------------------------------------------------------------ reciprocal by
-// estimate
+// ---------------------------------------------------------------------------------------------- reciprocal by estimate
 
 // r (2 - x r) leaves the square of the error of the estimate, 1.4e-7, and three roundings.
 ::testing::AssertionResult nearReciprocal(float actual, float expected)
