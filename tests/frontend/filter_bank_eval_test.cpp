@@ -21,6 +21,7 @@ namespace {
 
 using lyr::oracle::Product;
 using lyr::test::Api;
+using lyr::test::expectEnergies;
 using lyr::test::Guarded;
 using lyr::test::Owned;
 using lyr::test::Random;
@@ -77,20 +78,6 @@ struct Filled
     Owned<State> owned;
     lyr::oracle::Bank<Weight> expected;
 };
-
-// Every sum of n products in any order is within n + 1 roundings of the exact one, each at most half a unit of the sum
-// of the magnitudes (Higham, Accuracy and Stability of Numerical Algorithms, 2002, section 3.1); the lanes' final
-// additions are among them. One more for subnormal products.
-void expectEnergies(const float* dst, const std::vector<lyr::oracle::Energy>& expected)
-{
-    constexpr long double unit = std::numeric_limits<float>::epsilon() / 2;
-    for (std::size_t i = 0; i < expected.size(); ++i) {
-        const auto& e = expected[i];
-        const long double bound = unit * (e.terms + 2) * e.magnitude +
-                                  std::numeric_limits<float>::denorm_min() * static_cast<long double>(e.terms + 1);
-        ASSERT_LE(std::fabs(dst[i] - e.sum), bound) << "filter " << i + 1 << " of " << e.terms << " bins";
-    }
-}
 
 // Centres with the gaps given, from `first`.
 std::vector<Elem32s> spaced(Elem32s first, const std::vector<Elem32s>& gaps)
@@ -229,8 +216,6 @@ TEST(FilterBankEval, CentersOutsideTheSpectrum)
         const int filters = static_cast<int>(centers.size()) - 2;
         ASSERT_EQ(lyrsEmptyFBankInitAlloc_32f(&owned.bank, &order, fftLen, filters, 1), StsNoErr);
         ASSERT_EQ(lyrsFBankSetCenters_32f(owned.bank, centers.data()), StsNoErr);
-        lyr::oracle::Bank<float> expected(fftLen, filters);
-        std::vector<std::vector<double>> dense(centers.size(), std::vector<double>(bins, 0.0));
         for (int r = 0; r < filters; ++r) {
             for (int j = 0; j <= fftLen / 2; ++j) {
                 owned->pCoefLeft[r][j] = random.uniform(0.5F, 1.0F);
@@ -239,24 +224,7 @@ TEST(FilterBankEval, CentersOutsideTheSpectrum)
                 }
             }
         }
-        const Guarded<float> x(random.vector<float>(bins, 1, 2), Guarded<float>::flush(bins));
-        std::vector<float> dst(static_cast<std::size_t>(filters));
-        ASSERT_EQ(lyrsEvalFBank_32f(x.data(), dst.data(), owned.bank), StsNoErr);
-        for (int i = 1; i <= filters; ++i) {
-            double sum = 0;
-            const std::int64_t a = centers[static_cast<std::size_t>(i) - 1];
-            const std::int64_t b = centers[static_cast<std::size_t>(i)];
-            const std::int64_t c = centers[static_cast<std::size_t>(i) + 1];
-            for (std::int64_t k = 0; k < static_cast<std::int64_t>(bins); ++k) {
-                if (k >= a && k <= b) {
-                    sum += double(owned->pCoefLeft[i - 1][k - a]) * x[static_cast<std::size_t>(k)];
-                }
-                if (k > b && k <= c && k - b - 1 < fftLen / 2) {
-                    sum += double(owned->pCoefRight[i - 1][k - b - 1]) * x[static_cast<std::size_t>(k)];
-                }
-            }
-            EXPECT_NEAR(dst[static_cast<std::size_t>(i) - 1], sum, 260 * 6e-8 * sum) << "filter " << i;
-        }
+        lyr::test::expectLiteralSums(*owned);
     }
 }
 

@@ -171,6 +171,7 @@ TYPED_TEST(FilterBank, ShapeInBinsReachesOneAndNeverZero)
 TYPED_TEST(FilterBank, FrequenciesThatAreNoNumbersPass)
 {
     const auto at = [](int which, int n) { return which == n; };
+    int belowZero = 0;
     for (int which = 0; which < 5; ++which) {
         for (const float nan : {nan32, -nan32}) {
             for (const int flag : {1, 2}) {
@@ -187,17 +188,22 @@ TYPED_TEST(FilterBank, FrequenciesThatAreNoNumbersPass)
                                                5, mul, div, flag),
                           StsNoErr);
                 EXPECT_TRUE(memory.intact());
+                lyr::test::expectLiteralSums(*reinterpret_cast<const TypeParam*>(memory.data()));
                 Owned<TypeParam> owned;
-                EXPECT_EQ(
+                ASSERT_EQ(
                     Api<TypeParam>::melLinear(&owned.bank, &order, 64, fs, low, high, 5, 1000.0F, 2, mul, div, flag),
                     StsNoErr);
+                lyr::test::expectLiteralSums(*owned);
+                belowZero += owned->pCenters[0] < 0 && owned->pCenters[2] > 0 ? 1 : 0;
             }
         }
     }
+    EXPECT_GT(belowZero, 0) << "no filter from far below the spectrum into it";
     // With an upper limit that is no number nothing bounds the linear part: its filters end at the last bin.
     Owned<TypeParam> owned;
     Elem32s order = 0;
-    EXPECT_EQ(Api<TypeParam>::melLinear(&owned.bank, &order, 64, 8000, 64, nan32, 4, 1e9F, 4, 2595, 700, 2), StsNoErr);
+    ASSERT_EQ(Api<TypeParam>::melLinear(&owned.bank, &order, 64, 8000, 64, nan32, 4, 1e9F, 4, 2595, 700, 2), StsNoErr);
+    lyr::test::expectLiteralSums(*owned);
 }
 
 TYPED_TEST(FilterBank, RefusedFlags)

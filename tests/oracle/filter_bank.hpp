@@ -47,18 +47,20 @@ struct Bank
     W& leftAt(std::size_t i, std::int64_t k) { return left[i][static_cast<std::size_t>(k - c[i - 1])]; }
     W& rightAt(std::size_t i, std::int64_t k) { return right[i][static_cast<std::size_t>(k - c[i] - 1)]; }
 
-    // The matrix of weights, filters by bins.
+    // The matrix of weights, filters by bins. A side is cut to what its row holds: a weight for each bin on the left,
+    // one less on the right.
     [[nodiscard]] std::vector<std::vector<W>> dense() const
     {
         std::vector<std::vector<W>> m(left.size(), std::vector<W>(static_cast<std::size_t>(bins), W{0}));
         for (std::size_t i = 1; i + 1 < c.size(); ++i) {
-            for (std::size_t j = 0; j < left[i].size(); ++j) {
+            const auto row = static_cast<std::size_t>(bins);
+            for (std::size_t j = 0; j < std::min(left[i].size(), row); ++j) {
                 const std::int64_t k = c[i - 1] + static_cast<std::int64_t>(j);
                 if (k >= 0 && k < bins) {
                     m[i][static_cast<std::size_t>(k)] += left[i][j];
                 }
             }
-            for (std::size_t j = 0; j < right[i].size(); ++j) {
+            for (std::size_t j = 0; j < std::min(right[i].size(), row - 1); ++j) {
                 const std::int64_t k = c[i] + 1 + static_cast<std::int64_t>(j);
                 if (k >= 0 && k < bins) {
                     m[i][static_cast<std::size_t>(k)] += right[i][j];
