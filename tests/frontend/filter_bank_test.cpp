@@ -150,6 +150,17 @@ TYPED_TEST(FilterBank, LimitsOfTheBand)
     EXPECT_EQ(coefficient, 1.0F);
 }
 
+// Half the rate computes to just below the last bin here. In the mel shape the centre is truncated all the same: meant.
+TYPED_TEST(FilterBank, LastCenterIsTruncatedInTheMelShape)
+{
+    for (const auto& [flag, last] : {std::pair{1, 127}, {2, 128}}) {
+        Owned<TypeParam> owned;
+        Elem32s order = 0;
+        ASSERT_EQ(Api<TypeParam>::initAlloc(&owned.bank, &order, 256, 8000, 64, 4000, 23, 2595, 700, flag), StsNoErr);
+        EXPECT_EQ(owned->pCenters[24], last) << "flag " << flag;
+    }
+}
+
 TYPED_TEST(FilterBank, ShapeInBinsReachesOneAndNeverZero)
 {
     Owned<TypeParam> owned;
