@@ -73,7 +73,7 @@ Status forward(const Elem32f* pSrc, Elem32f* pDst, const FFTSpec_R_32f* pSpec, E
         if (work.isMissing(*pSpec)) {
             return StsMemAlloc;
         }
-        kernels.forward(*pSpec, pSrc, pDst, work.data(), layout);
+        kernels.forward(*pSpec, planOf(pSpec->order, kernels.lanes), pSrc, pDst, work.data(), layout);
         return StsNoErr;
     }
     const Elem32s n = 1 << pSpec->order;
@@ -137,7 +137,7 @@ Status lyrsFFTInit_R_32f(FFTSpec_R_32f** ppSpec, Elem32s order, Elem32s flag, El
             sineOrder = order;
         }
         spec->bufSize = toSigned(sizesOf(order).buffer - tableAlignment);
-        buildTables(*spec, sine, sineOrder);
+        buildTables(*spec, planOf(order, kernels.lanes), sine, sineOrder);
     }
     *ppSpec = spec;
     return StsNoErr;
@@ -208,7 +208,7 @@ Status lyrsFFTInv_PackToR_32f(const Elem32f* pSrc, Elem32f* pDst, const FFTSpec_
         if (work.isMissing(*pSpec)) {
             return StsMemAlloc;
         }
-        kernels.inverse(*pSpec, pSrc, pDst, work.data());
+        kernels.inverse(*pSpec, planOf(pSpec->order, kernels.lanes), pSrc, pDst, work.data());
         return StsNoErr;
     }
     const Elem32s n = 1 << pSpec->order;

@@ -7,7 +7,6 @@ namespace fft {
 namespace {
 
 using lyr::fft::phasorsAt;
-using lyr::fft::planOf;
 
 constexpr int widest = vectorBytes / 4;
 
@@ -106,18 +105,16 @@ LYR_INLINE void withLanes(const Plan& plan, Run run)
     }
 }
 
-void forward(const FFTSpec_R_32f& spec, const Elem32f* src, Elem32f* dst, float* work, Layout layout)
+void forward(const FFTSpec_R_32f& spec, const Plan& plan, const Elem32f* src, Elem32f* dst, float* work, Layout layout)
 {
-    const Plan plan = planOf(spec.order, widest);
     const Spectrum out(dst, std::ptrdiff_t{1} << spec.order, layout, spec.fwdNorm != 0 ? spec.normFactor : 1.0F,
                        phasorsAt(spec.pRealRec, plan.logRows));
     withLanes(
         plan, [&](auto lanes) __attribute__((always_inline)) { forwardTransform<lanes>(spec, plan, src, work, out); });
 }
 
-void inverse(const FFTSpec_R_32f& spec, const Elem32f* src, Elem32f* dst, float* work)
+void inverse(const FFTSpec_R_32f& spec, const Plan& plan, const Elem32f* src, Elem32f* dst, float* work)
 {
-    const Plan plan = planOf(spec.order, widest);
     withLanes(
         plan, [&](auto lanes) __attribute__((always_inline)) { inverseTransform<lanes>(spec, plan, src, dst, work); });
 }

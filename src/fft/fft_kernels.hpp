@@ -1,6 +1,7 @@
 // The vector kernels of the real transform, for every width.
 #pragma once
 
+#include "fft/fft_plan.hpp"
 #include "fft/fft_spec.hpp"
 #include "frame/select.hpp"
 #include "lyrsr.h"
@@ -9,9 +10,11 @@ namespace lyr {
 
 struct FftKernels
 {
-    int lanes; // of the widest vectors; the tables of a record follow it
-    void (*forward)(const FFTSpec_R_32f& spec, const Elem32f* src, Elem32f* dst, float* buffer, fft::Layout layout);
-    void (*inverse)(const FFTSpec_R_32f& spec, const Elem32f* src, Elem32f* dst, float* buffer);
+    int lanes; // of the widest vectors
+    // With the plan that the tables of the record are laid out for.
+    void (*forward)(const FFTSpec_R_32f& spec, const fft::Plan& plan, const Elem32f* src, Elem32f* dst, float* buffer,
+                    fft::Layout layout);
+    void (*inverse)(const FFTSpec_R_32f& spec, const fft::Plan& plan, const Elem32f* src, Elem32f* dst, float* buffer);
 };
 
 LYR_DECLARE_KERNELS(FftKernels, fftKernels)

@@ -101,8 +101,6 @@ struct Offsets
     std::uint64_t end;
 };
 
-constexpr std::size_t cacheLine = 64;
-
 constexpr int logSplitCount(const Plan& plan, int level)
 {
     return plan.logM - level - 1;
@@ -132,6 +130,45 @@ constexpr Offsets offsetsOf(const Plan& plan)
     o.end = at;
     return o;
 }
+
+constexpr std::uint64_t padded(std::uint64_t bytes)
+{
+    return (bytes + tableAlignment - 1) / tableAlignment * tableAlignment;
+}
+
+constexpr Sizes sizesFor(int order, const Plan& plan)
+{
+    const std::uint64_t n = std::uint64_t{1} << order;
+    const std::uint64_t m = n / 2;
+    const std::uint64_t init = order <= constantSineOrder ? 0 : padded(n + 4) + tableAlignment;
+    if (!plan.isLarge()) {
+        // The tables of this plan need less than what callers have always been told, and the sizes stay as they are.
+        return {padded(8 * m + 8) + padded(m + 4) + 2 * padded(2 * n) + 128, init, padded(8 * m) + tableAlignment};
+    }
+    const std::uint64_t part = std::uint64_t{8} << (plan.logRows + plan.logCols);
+    const std::uint64_t strip = std::uint64_t{8} * plan.rows() * static_cast<std::uint64_t>(plan.lanes);
+    return {tableAlignment + padded(sizeof(FFTSpec_R_32f)) + cacheLine + offsetsOf(plan).end, init,
+            part + strip + tableAlignment};
+}
+
+// From the worst address of a caller's memory: to the record, to the cache line behind it, and the tables.
+constexpr bool doTablesFit(int order, int lanes)
+{
+    const Plan plan = planOf(order, lanes);
+    return tableAlignment + padded(sizeof(FFTSpec_R_32f)) + cacheLine + offsetsOf(plan).end <=
+           sizesFor(order, plan).spec;
+}
+
+constexpr bool doTablesFitEverywhere()
+{
+    for (int order = directBelow; order <= maxOrder; ++order) {
+        if (!doTablesFit(order, 4) || !doTablesFit(order, 8) || !doTablesFit(order, 16)) {
+            return false;
+        }
+    }
+    return true;
+}
+static_assert(doTablesFitEverywhere());
 
 void fillBitReversal(std::uint32_t* table, int bits) noexcept
 {
@@ -226,26 +263,16 @@ Sizes sizesOf(int order) noexcept
     if (order < directBelow) {
         return {112, 0, 0};
     }
-    const std::uint64_t n = std::uint64_t{1} << order;
-    const std::uint64_t m = n / 2;
-    const auto padded = [](std::uint64_t bytes) {
-        return (bytes + tableAlignment - 1) / tableAlignment * tableAlignment;
-    };
-    const std::uint64_t init = order <= constantSineOrder ? 0 : padded(n + 4) + tableAlignment;
-    const Plan plan = planOf(order, kernels.lanes);
-    if (!plan.isLarge()) {
-        // The tables of this plan need less than what callers have always been told, and the sizes stay as they are.
-        return {padded(8 * m + 8) + padded(m + 4) + 2 * padded(2 * n) + 128, init, padded(8 * m) + tableAlignment};
-    }
-    const std::uint64_t part = std::uint64_t{8} << (plan.logRows + plan.logCols);
-    const std::uint64_t strip = std::uint64_t{8} * plan.rows() * static_cast<std::uint64_t>(plan.lanes);
-    return {tableAlignment + padded(sizeof(FFTSpec_R_32f)) + cacheLine + offsetsOf(plan).end, init,
-            part + strip + tableAlignment};
+    return sizesFor(order, planOf(order, kernels.lanes));
 }
 
-void buildTables(FFTSpec_R_32f& spec, const float* sine, int sineOrder) noexcept
+std::uint64_t tableBytes(const Plan& plan) noexcept
 {
-    const Plan plan = planOf(spec.order, kernels.lanes);
+    return offsetsOf(plan).end;
+}
+
+void buildTables(FFTSpec_R_32f& spec, const Plan& plan, const float* sine, int sineOrder) noexcept
+{
     const Offsets offsets = offsetsOf(plan);
     const Turn turn(sine, sineOrder);
     auto* const base = alignUp(reinterpret_cast<std::byte*>(&spec + 1), cacheLine);

@@ -28,7 +28,12 @@ struct Sizes
 // Bytes that a caller provides, each with the spare bytes for its alignment.
 Sizes sizesOf(int order) noexcept;
 
-// Lays the tables behind the record and fills them from a base table of 2^sineOrder points a turn.
-void buildTables(FFTSpec_R_32f& spec, const float* sine, int sineOrder) noexcept;
+// Bytes of the tables of a plan, and at most so many ahead of them to the next cache line.
+inline constexpr std::size_t cacheLine = 64;
+std::uint64_t tableBytes(const Plan& plan) noexcept;
+
+// Lays the tables of a plan behind the record, from the next cache line on, and fills them from a base table of
+// 2^sineOrder points a turn.
+void buildTables(FFTSpec_R_32f& spec, const Plan& plan, const float* sine, int sineOrder) noexcept;
 
 } // namespace lyr::fft

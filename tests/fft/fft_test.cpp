@@ -11,13 +11,16 @@
 #include <cstring>
 #include <gtest/gtest.h>
 #include <memory>
+#include <new>
 #include <numbers>
 #include <string>
 #include <thread>
 #include <vector>
 
+#include "fft/fft_kernels.hpp"
 #include "fft/fft_plan.hpp"
 #include "fft/fft_tables.hpp"
+#include "frame/memory.hpp"
 #include "oracle/fft.hpp"
 #include "support/allocation.hpp"
 #include "support/guarded.hpp"
@@ -253,9 +256,86 @@ TEST(RealFft, LongSignalComesBack)
     }
 }
 
-// Gigabytes and minutes: run by name (--gtest_also_run_disabled_tests). The first order that is split into even and odd
-// elements is 28.
-TEST(RealFft, DISABLED_TopOrders)
+// Beyond 2^26 points the data is parted into even and odd elements, level by level. Here are two levels at a length for
+// every run: parts of 2^15 points, so that the work memory is less than half of the data and the first parting has to
+// go by quarters.
+class SplitPlan
+{
+public:
+    static constexpr int order = 18;
+    static constexpr std::size_t n = std::size_t{1} << order;
+
+    explicit SplitPlan(int lanes)
+        : plan{lanes, order - 1, 7, 8, 2}, memory(lyr::alignUp(sizeof(FFTSpec_R_32f), lyr::fft::cacheLine) +
+                                                  static_cast<std::size_t>(lyr::fft::tableBytes(plan))),
+          work(2 * plan.rows() * (plan.cols() + static_cast<std::size_t>(lanes)),
+               Guarded<float>::flush(2 * plan.rows() * (plan.cols() + static_cast<std::size_t>(lanes)))),
+          spec(*new (memory.data()) FFTSpec_R_32f{})
+    {
+        std::vector<float> sine(n / 4 + 1);
+        lyr::fft::computeSine(sine.data(), order);
+        spec.order = order;
+        lyr::fft::buildTables(spec, plan, sine.data(), order);
+        EXPECT_TRUE(memory.intact());
+    }
+
+    void forward(const float* src, float* dst, lyr::fft::Layout layout) const
+    {
+        lyr::fft::kernels.forward(spec, plan, src, dst, work.data(), layout);
+        EXPECT_TRUE(work.intact());
+    }
+    void inverse(const float* src, float* dst) const
+    {
+        lyr::fft::kernels.inverse(spec, plan, src, dst, work.data());
+        EXPECT_TRUE(work.intact());
+    }
+
+private:
+    lyr::fft::Plan plan;
+    Guarded<Elem8u> memory;
+    Guarded<float> work;
+    FFTSpec_R_32f& spec;
+};
+
+TEST(RealFft, LevelsOfEvenAndOddElements)
+{
+    constexpr std::size_t n = SplitPlan::n;
+    constexpr int order = SplitPlan::order;
+    const std::vector<float> x = signal(order);
+    const std::vector<double> spectrum = lyr::oracle::ccs(lyr::oracle::transform(complexOf(x), -1));
+    std::vector<double> back;
+    for (const std::complex<double>& z : lyr::oracle::transform(lyr::oracle::spectrumOfPack(x), +1)) {
+        back.push_back(z.real());
+    }
+    for (int lanes = 4; lanes <= lyr::fft::kernels.lanes; lanes *= 2) {
+        SCOPED_TRACE(std::to_string(lanes) + " lanes");
+        const SplitPlan split(lanes);
+        const Guarded<float> source(x, 0);
+        const Guarded<float> ccs(n + 2, 4);
+        split.forward(source.data(), ccs.data(), lyr::fft::Layout::Ccs);
+        EXPECT_LE(relativeError(ccs.copy(), spectrum), errorBound(order));
+        EXPECT_TRUE(sameBits(source.copy(), x));
+        const Guarded<float> result(n, 8);
+        split.forward(source.data(), result.data(), lyr::fft::Layout::Pack);
+        EXPECT_TRUE(sameBits(result.copy(), lyr::oracle::packFromCcs(ccs.copy())));
+        split.forward(source.data(), result.data(), lyr::fft::Layout::Perm);
+        EXPECT_TRUE(sameBits(result.copy(), lyr::oracle::permFromCcs(ccs.copy())));
+        const Guarded<float> both(x, 0);
+        split.forward(both.data(), both.data(), lyr::fft::Layout::Perm);
+        EXPECT_TRUE(sameBits(both.copy(), result.copy()));
+
+        split.inverse(source.data(), result.data());
+        EXPECT_LE(relativeError(result.copy(), back), errorBound(order));
+        EXPECT_TRUE(sameBits(source.copy(), x));
+        split.inverse(source.data(), source.data());
+        EXPECT_TRUE(sameBits(source.copy(), result.copy()));
+        EXPECT_TRUE(ccs.intact() && result.intact() && both.intact() && source.intact());
+    }
+}
+
+#if defined(LYRSR_TEST_TOP_ORDERS)
+// Gigabytes and minutes: an option of the build. The first order that is split into even and odd elements is 28.
+TEST(RealFft, TopOrders)
 {
     for (int order = 24; order <= 30; ++order) {
         compareImpulses(order);
@@ -267,6 +347,7 @@ TEST(RealFft, DISABLED_TopOrders)
         EXPECT_LE(relativeError(y, x), 2 * errorBound(order)) << order;
     }
 }
+#endif
 
 TEST(RealFft, SmallOrdersAreExact)
 {
@@ -596,6 +677,21 @@ TEST(FftRecord, BufferForTheSineTableFromOrder11)
     }
 }
 
+TEST(FftRecord, FixedFormPassesTheMissingSineBufferOn)
+{
+    Sizes s;
+    ASSERT_EQ(lyrsFFTGetSize_R_16s32s(11, unscaled, 0, &s.spec, &s.init, &s.buffer), StsNoErr);
+    const Guarded<Elem8u> memory(static_cast<std::size_t>(s.spec));
+    auto* const untouched = reinterpret_cast<FFTSpec_R_16s32s*>(std::uintptr_t{64});
+    FFTSpec_R_16s32s* spec = untouched;
+    EXPECT_EQ(lyrsFFTInit_R_16s32s(&spec, 11, unscaled, 0, memory.data(), nullptr), StsNullPtr);
+    EXPECT_EQ(spec, untouched);
+    auto* const outer = reinterpret_cast<FFTSpec_R_16s32s*>(memory.data());
+    EXPECT_EQ(outer->idCtx, 0U); // its tag comes last, and no function takes it
+    EXPECT_EQ(lyrsFFTFree_R_16s32s(outer), StsContext);
+    EXPECT_TRUE(memory.intact());
+}
+
 TEST(FftRecord, FieldsInTheirOrder)
 {
     static_assert(offsetof(FFTSpec_R_32f, ownsMemory) == 28 && offsetof(FFTSpec_R_32f, pBitRev) == 32);
@@ -748,6 +844,48 @@ TEST(FixedFft, PlaceAndBuffer)
         EXPECT_EQ(failed, 1);
         EXPECT_EQ(both.copy(), expected);
         EXPECT_EQ(lyrsFFTFree_R_16s32s(spec), StsNoErr);
+    }
+}
+
+// The transform inside may refuse: its status is the result, and no conversion is done.
+TEST(FixedFft, PassesTheStatusOfTheTransformOn)
+{
+    for (const int order : {0, 3, 5, 11}) {
+        FFTSpec_R_16s32s* spec = nullptr;
+        ASSERT_EQ(lyrsFFTInitAlloc_R_16s32s(&spec, order, 8, 0), StsNoErr);
+        const std::vector<Elem16s> x(std::size_t{1} << order, 5);
+        const std::vector<Elem32s> untouched(x.size() + 2, -77);
+        std::vector<Elem32s> y = untouched;
+        spec->pSpec->idCtx = 0;
+        EXPECT_EQ(lyrsFFTFwd_RToCCS_16s32s_Sfs(x.data(), y.data(), spec, 0, nullptr), StsContext);
+        EXPECT_EQ(y, untouched);
+        EXPECT_EQ(lyrsFFTFree_R_16s32s(spec), StsNoErr);
+    }
+}
+
+// The singles of 2^29 samples take 2 GiB, more than a size in 32 bits can say: refused before anything is read, with or
+// without a buffer.
+TEST(FixedFft, WorkMemoryOfTheTopOrdersCannotBeHad)
+{
+    for (const int order : {29, 30}) {
+        FFTSpec_R_32f inner{};
+        inner.idCtx = lyr::fft::realTag;
+        inner.order = order;
+        FFTSpec_R_16s32s spec{};
+        spec.idCtx = lyr::fft::fixedTag;
+        spec.order = order;
+        spec.bufSize = 64; // what is left of a sum that wraps
+        spec.pSpec = &inner;
+        const Guarded<Elem16s> x(std::size_t{1}, Guarded<Elem16s>::flush(1));
+        const Guarded<Elem32s> y(std::vector<Elem32s>{-77}, Guarded<Elem32s>::flush(1));
+        const Guarded<Elem8u> buffer(64, Guarded<Elem8u>::flush(64));
+        const long before = lyr::test::allocationCount();
+        for (Elem8u* const given : {static_cast<Elem8u*>(nullptr), buffer.data()}) {
+            EXPECT_EQ(lyrsFFTFwd_RToCCS_16s32s_Sfs(x.data(), y.data(), &spec, 0, given), StsMemAlloc);
+        }
+        EXPECT_EQ(lyr::test::allocationCount(), before);
+        EXPECT_EQ(y[0], -77);
+        EXPECT_TRUE(buffer.intact() && y.intact());
     }
 }
 
