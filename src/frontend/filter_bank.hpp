@@ -5,6 +5,7 @@
 #include "frame/memory.hpp"
 #include "lyrsr.h"
 
+#include <cstddef>
 #include <cstdint>
 
 // The order of the fields is fixed: tools read records. `pFFTBuffer` stands behind all that they know of.
@@ -136,6 +137,30 @@ struct HighAuroraBank : AuroraBank
 // Left rows are advanced by this many elements: element 1 of each then stands on a 16-byte boundary, where the bins
 // that the left side of a filter shares with the right side of the one before begin.
 inline constexpr Elem32s leftRowAdvance = 3;
+
+// The centres and the spare entry behind them.
+constexpr Elem64s centerBytes(Elem32s nFilter)
+{
+    return (Elem64s{nFilter} + 3) * Elem64s{sizeof(Elem32s)};
+}
+
+// Blocks one behind the other in a caller's memory, each on a 32-byte boundary.
+class Placement
+{
+public:
+    explicit Placement(void* first) noexcept : next(static_cast<std::byte*>(first)) {}
+
+    template <class T>
+    T* take(Elem64s bytes) noexcept
+    {
+        std::byte* const block = alignUp(next);
+        next = block + bytes;
+        return reinterpret_cast<T*>(block);
+    }
+
+private:
+    std::byte* next;
+};
 
 // Work memory of a construction: two numbers for each edge.
 struct EdgeScratch

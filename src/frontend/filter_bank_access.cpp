@@ -44,15 +44,6 @@ Status setCenters(State* bank, const Elem32s* centers)
     return StsNoErr;
 }
 
-// Limited to 32 bits at both ends, then toward zero; NaN gives the lower limit.
-Elem32s truncateSaturating(Elem32f x) noexcept
-{
-    if (x >= 2147483648.0F) {
-        return INT32_MAX;
-    }
-    return x > -2147483648.0F ? static_cast<Elem32s>(x) : INT32_MIN;
-}
-
 constexpr Elem32f perOneQ14 = 1.0F / oneQ14;
 
 Elem32f toCoefficient(Elem32f weight)

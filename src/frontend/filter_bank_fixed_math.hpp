@@ -1,8 +1,8 @@
 // Logarithm and exponential in 64-bit integers, digit by digit (cf. Muller, Elementary Functions, 2006, chapters 5 and
 // 6): a bank that is built from them is the same on every processor.
 //
-// Numbers have 22 fraction bits (Q22) unless the name says otherwise. Sums and products wrap at 64 bits, which no
-// sensible band comes near.
+// Numbers have 22 fraction bits (Q22) unless the name says otherwise. Products wrap at 64 bits, which no sensible
+// band comes near.
 #pragma once
 
 #include "frame/fixed_point.hpp"
@@ -18,11 +18,6 @@ inline constexpr Elem64s one = Elem64s{1} << fractionBits;
 
 inline constexpr Elem64s ln2Q31 = 1488522236;
 inline constexpr Elem64s log2eQ31 = 0xB8AA3B29;
-
-constexpr Elem64s wrappingSum(Elem64s a, Elem64s b)
-{
-    return static_cast<Elem64s>(static_cast<std::uint64_t>(a) + static_cast<std::uint64_t>(b));
-}
 
 constexpr Elem64s wrappingProduct(Elem64s a, Elem64s b)
 {

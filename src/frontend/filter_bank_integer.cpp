@@ -5,7 +5,6 @@
 #include "frontend/filter_bank_fixed_math.hpp"
 
 #include <algorithm>
-#include <cstddef>
 
 namespace lyr {
 namespace {
@@ -29,17 +28,6 @@ constexpr Elem32s binCount(BankLength length)
 {
     return length.points / 2 + 1;
 }
-constexpr Elem64s centerBytes(Elem32s nFilter)
-{
-    return (Elem64s{nFilter} + 3) * Elem64s{sizeof(Elem32s)};
-}
-
-std::byte* take(std::byte*& next, Elem64s bytes) noexcept
-{
-    std::byte* const block = alignUp(next);
-    next = block + bytes;
-    return block;
-}
 
 void placeIntegerBank(FBankState_32s& bank, BankLength length, Elem32s nFilter) noexcept
 {
@@ -48,10 +36,10 @@ void placeIntegerBank(FBankState_32s& bank, BankLength length, Elem32s nFilter) 
     bank.flag = FBankBinShape;
     bank.nFilter = nFilter;
     bank.nBins = bins;
-    auto* next = reinterpret_cast<std::byte*>(&bank + 1);
-    bank.pCenters = reinterpret_cast<Elem32s*>(take(next, centerBytes(nFilter)));
+    Placement blocks(&bank + 1);
+    bank.pCenters = blocks.take<Elem32s>(centerBytes(nFilter));
     for (Elem32s*** const table : {&bank.pCoefLeft, &bank.pCoefRight}) {
-        *table = reinterpret_cast<Elem32s**>(take(next, GetSize2_32s(nFilter + 2, bins)));
+        *table = blocks.take<Elem32s*>(GetSize2_32s(nFilter + 2, bins));
         Init2_32s(*table, nFilter + 2, bins);
         for (Elem32s r = 0; r < nFilter + 2; ++r) {
             std::fill_n((*table)[r], bins, 0);

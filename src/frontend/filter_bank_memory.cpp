@@ -57,10 +57,6 @@ constexpr Elem32s rightColumns(Elem32s points)
     return points / 2;
 }
 
-constexpr Elem64s centerBytes(Elem32s nFilter)
-{
-    return (Elem64s{nFilter} + 3) * Elem64s{sizeof(Elem32s)};
-}
 constexpr Elem64s edgeBytes(Elem32s nFilter)
 {
     return (Elem64s{nFilter} + 2) * Elem64s{sizeof(Elem32f)};
@@ -110,24 +106,6 @@ Status blockSizes(BankLength length, Elem32s nFilter, bool withTransform, BlockS
     }
     return StsNoErr;
 }
-
-// Blocks one behind the other, each on a 32-byte boundary.
-class Placement
-{
-public:
-    explicit Placement(void* first) noexcept : next(static_cast<std::byte*>(first)) {}
-
-    template <class T>
-    T* take(Elem64s bytes) noexcept
-    {
-        std::byte* const block = alignUp(next);
-        next = block + bytes;
-        return reinterpret_cast<T*>(block);
-    }
-
-private:
-    std::byte* next;
-};
 
 template <class State>
 void setLengths(State& bank, BankLength length, Elem32s nFilter) noexcept

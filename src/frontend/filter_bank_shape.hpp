@@ -42,6 +42,12 @@ inline Elem32s truncateWeight(Elem32f x) noexcept
     return x > -2147483648.0F && x < 2147483648.0F ? static_cast<Elem32s>(x) : INT32_MIN;
 }
 
+// The same for a weight that a caller sets, limited at both ends; NaN gives the lower limit.
+inline Elem32s truncateSaturating(Elem32f x) noexcept
+{
+    return x >= 2147483648.0F ? INT32_MAX : truncateWeight(x);
+}
+
 template <class State>
 using WeightOf = std::remove_pointer_t<std::remove_pointer_t<decltype(State::pCoefLeft)>>;
 
