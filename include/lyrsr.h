@@ -578,6 +578,7 @@ typedef struct FFTSpec_R_16s32s FFTSpec_R_16s32s;
  * @param pSpecSize bytes of the record
  * @param pInitBufSize bytes that the initialisation works in; 0 if none
  * @param pBufSize bytes that a transform works in; 0 if none
+ * @return #StsNoErr; in this order: #StsFftOrder, #StsNullPtr, #StsFftFlag
  * @{
  */
 LYRSR_API Status lyrsFFTGetSize_R_32f(Elem32s order, Elem32s flag, Elem32s hint, Elem32s* pSpecSize,
@@ -591,6 +592,8 @@ LYRSR_API Status lyrsFFTGetSize_R_16s32s(Elem32s order, Elem32s flag, Elem32s hi
  * @param ppSpec receives the address of the record, which lies inside `pMem`
  * @param pMem the record's memory, which stays the caller's; written also when the flag is refused
  * @param pInitBuf needed from order 11 on, and free again after the call
+ * @return #StsNoErr; in this order: #StsNullPtr (`ppSpec`), #StsFftOrder, #StsNullPtr (`pMem`), #StsFftFlag,
+ *         #StsNullPtr (`pInitBuf`)
  * @{
  */
 LYRSR_API Status lyrsFFTInit_R_32f(FFTSpec_R_32f** ppSpec, Elem32s order, Elem32s flag, Elem32s hint, Elem8u* pMem,
@@ -601,7 +604,7 @@ LYRSR_API Status lyrsFFTInit_R_16s32s(FFTSpec_R_16s32s** ppSpec, Elem32s order, 
 
 /**
  * @name Initialisation in allocated memory, to be released by the free form
- * @return #StsNullPtr, #StsFftOrder, #StsFftFlag or #StsMemAlloc
+ * @return #StsNoErr; in this order: #StsNullPtr, #StsFftOrder, #StsFftFlag, #StsMemAlloc
  * @{
  */
 LYRSR_API Status lyrsFFTInitAlloc_R_32f(FFTSpec_R_32f** ppSpec, Elem32s order, Elem32s flag, Elem32s hint);
@@ -612,19 +615,23 @@ LYRSR_API Status lyrsFFTInitAlloc_R_16s32s(FFTSpec_R_16s32s** ppSpec, Elem32s or
  * @name End of a record
  * Its tag is cleared, so that no function takes it any more (#StsContext), and memory of an `InitAlloc` form is
  * released.
+ * @return #StsNoErr, #StsNullPtr, #StsContext
  * @{
  */
 LYRSR_API Status lyrsFFTFree_R_32f(FFTSpec_R_32f* pSpec);
 LYRSR_API Status lyrsFFTFree_R_16s32s(FFTSpec_R_16s32s* pSpec);
 /** @} */
 
-/** Bytes that a transform with this record works in; 0 if none. */
+/**
+ * Bytes that a transform with this record works in; 0 if none.
+ * @return #StsNoErr, #StsNullPtr, #StsContext
+ */
 LYRSR_API Status lyrsFFTGetBufSize_R_32f(const FFTSpec_R_32f* pSpec, Elem32s* pBufSize);
 
 /**
  * @name Signal to spectrum
  * @param pBuffer work memory of the told size, of any alignment; null: it is allocated for the time of the call
- * @return #StsNullPtr (record), #StsContext, #StsNullPtr (vectors) or #StsMemAlloc
+ * @return #StsNoErr; in this order: #StsNullPtr (record), #StsContext, #StsNullPtr (vectors), #StsMemAlloc
  * @{
  */
 LYRSR_API Status lyrsFFTFwd_RToPack_32f(const Elem32f* pSrc, Elem32f* pDst, const FFTSpec_R_32f* pSpec,
@@ -639,8 +646,17 @@ LYRSR_API Status lyrsFFTInv_PackToR_32f(const Elem32f* pSrc, Elem32f* pDst, cons
                                         Elem8u* pBuffer);
 
 /**
- * Spectrum of 16-bit samples, transformed in single precision and converted with #StsNoErr also where it saturates.
- * From order 29 on the work memory is beyond a 32-bit size, and the result is #StsMemAlloc.
+ * Spectrum of 16-bit samples in CCS order. The samples are transformed in single precision with the scaling of the
+ * record; the results are divided by 2^scaleFactor, rounded to the nearest integer with ties to even, and limited to
+ * 32 bits.
+ * @param pSrc N samples
+ * @param pDst N + 2 elements, 2 where N is 1; it may start where the samples do
+ * @param pSpec the record
+ * @param scaleFactor may be negative
+ * @param pBuffer work memory of the size that lyrsFFTGetSize_R_16s32s() tells, of any alignment; null: it is allocated
+ *        for the time of the call
+ * @return #StsNoErr, also where results are limited; in this order: #StsNullPtr (`pSpec`), #StsContext, #StsNullPtr
+ *         (`pSrc`, `pDst`), #StsMemAlloc, which it always is from order 29 on: the work memory is beyond a 32-bit size
  */
 LYRSR_API Status lyrsFFTFwd_RToCCS_16s32s_Sfs(const Elem16s* pSrc, Elem32s* pDst, const FFTSpec_R_16s32s* pSpec,
                                               Elem32s scaleFactor, Elem8u* pBuffer);
@@ -972,6 +988,8 @@ LYRSR_API Status lyrsLinearToMel_32f(const Elem32f* pSrc, Elem32f* pDst, Elem32s
 /**
  * @name Mel bank
  * `nFilter` filters between edges that are equally spaced in mel from `lowFreq` to `highFreq`.
+ * With #FBankMelShape, which truncates, the last centre may be fftLen / 2 - 1 where `highFreq` is half the rate: single
+ * precision may put it just below the last bin.
  * @param pSize     receives the number of bytes that the Init form needs
  * @param pFBank    memory of that size
  * @param ppFBank   receives the bank
@@ -1120,13 +1138,19 @@ LYRSR_API Status lyrsFBankFree_16s(FBankState_16s* pFBank);
 
 /**
  * @name Centres and weights
- * Centres are nFilter + 2 bin numbers. The weights of filter `fIdx`, counted from 1, are those of its left side, from
- * one centre to the next with both ends, and then those of its right side, without its lower end. `_16s` forms convert
- * between 14 fraction bits and singles, toward zero on the way in.
+ * Centres are nFilter + 2 bin numbers, counted from 0. The weights of filter `fIdx`, counted from 1, are those of its
+ * left side, from one centre to the next with both ends, and then those of its right side, without its lower end:
+ * centre(fIdx + 1) - centre(fIdx - 1) + 1 numbers. `_16s` forms convert between 14 fraction bits and singles, toward
+ * zero on the way in.
+ *
+ * Of the last two centres only the very last is bounded by fftLen / 2, and the two are not compared. Where the last but
+ * one lies beyond, evaluation counts the bins that are in the spectrum; the differences of the centres remain the
+ * numbers of weights, of which SetCoeffs drops those beyond the bank's rows and GetCoeffs tells zeros for them. A side
+ * whose centres are out of order has no weights.
  * @param fIdx 1 to `nFilter`; GetCoeffs takes `nFilter` + 1 too
- * @return #StsNoErr, #StsNullPtr; #StsFBankNotReady if the bank has no centres yet, and for centres that are below 0,
- * out of order or beyond fftLen / 2, with nothing stored (the last two are not compared with each other); #StsSize for
- * `fIdx`
+ * @return #StsNoErr, #StsNullPtr; #StsFBankNotReady if the bank has no centres yet, and, with nothing stored, for a
+ *         first centre below 0, centres 0 to nFilter out of order, or a last centre beyond fftLen / 2; #StsSize for
+ *         `fIdx`. In a bank of one filter the middle centre is compared with neither of the others
  * @{
  */
 LYRSR_API Status lyrsFBankGetCenters_32f(const FBankState_32f* pFBank, Elem32s* pCenters);
