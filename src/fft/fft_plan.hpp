@@ -2,8 +2,9 @@
 //
 // The index is split as n = C*n1 + n2 and k = k1 + m*k2 with M = m*C (Cooley and Tukey 1965), so that
 //
-//     X[k1 + m*k2] = sum over n2 of  w_C^(n2*k2) * w_M^(n2*k1) * ( sum over n1 of  w_m^(n1*k1) * x[C*n1 + n2] ),   w_n
-//     = exp(-2*pi*i/n).
+//     X[k1 + m*k2] = sum over n2 of  w_C^(n2*k2) * w_M^(n2*k1) * ( sum over n1 of  w_m^(n1*k1) * x[C*n1 + n2] )
+//
+// with w_n = exp(-2*pi*i/n).
 //
 // The inner sums are column transforms: W neighbouring columns n2 are the lanes of a vector and every butterfly is
 // vertical, with twiddles that are the same for all lanes. A tile of W values k1 by W values n2 is then multiplied by
@@ -12,11 +13,9 @@
 //
 //  - small, C = W: a tile is all of the outer sum; it is a butterfly of radix W in registers (up to M = 2^16).
 //  - large, C about sqrt(M): strips of W columns go through the cache one by one, the transposed tiles into a buffer as
-//  large as the data, the
-//    outer transforms run there (the four-step method: Bailey 1990).
+//    large as the data, and the outer transforms run there (the four-step method: Bailey 1990).
 //  - split: above 2^26 the data is parted into even and odd elements until a part is a large transform; radix-2
-//  butterflies join the parts. That
-//    limits the buffer to 512 MiB and every size in bytes to 31 bits.
+//    butterflies join the parts. That limits the buffer to 512 MiB and every size in bytes to 31 bits.
 //
 // Column transforms are decimated in frequency and in place: a frequency k ends in the row that has its bits reversed,
 // and as whole rows are gathered into tiles, no pass over the data is ever spent on the reversal.

@@ -53,8 +53,8 @@ void layAuroraCenters(State& bank, const EdgeScratch& scratch, Fixed /*fixed*/, 
 }
 
 // The first filter of the low band, a falling half triangle from bin 0. The sum that its weights are divided by holds
-// the left and the right run together, although only element 0 of the left run ever meets the spectrum: meant, and what
-// recognisers were trained with.
+// the left and the right run together, although only element 0 of the left run ever meets the spectrum: meant. With the
+// edges of this bank the width is 1, so that the sum is a single weight and the doubling never shows.
 template <class State>
 void shapeFirstLowFilter(State& bank) noexcept
 {

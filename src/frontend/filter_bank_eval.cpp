@@ -12,7 +12,7 @@ namespace {
 
 const lyr::FilterBankKernels kernels = LYR_SELECT_KERNELS(filterBankKernels);
 // A side of a filter seldom fills 16 lanes: the narrower vectors measure faster for singles, which have more lanes than
-// sums of 64 bits.
+// sums of 64 bits. This and not `kernels.singles` is what runs.
 lyr::BankKernel* const evaluateSingles = LYR_SELECT_KERNELS_UP_TO_256(filterBankKernels).singles;
 
 // Of the transform and of the magnitudes, and the fraction bits that the two leave in a spectrum.

@@ -440,6 +440,7 @@ TYPED_TEST(FilterBank, LowAuroraBank)
     }
     EXPECT_EQ(owned->pCenters[0], 0);
     EXPECT_EQ(owned->pCenters[1], 0);
+    EXPECT_EQ(owned->pCenters[2], 1) << "the width of the first filter";
     EXPECT_EQ(owned->pCenters[25], 64);
     EXPECT_EQ(owned->pCenters[26], 64);
     EXPECT_EQ(owned->pCenters[27], 64);
