@@ -729,7 +729,8 @@ LYRSR_API Status lyrsLogSub_16s_Sfs(const Elem16s* pSrc, Elem16s* pSrcDst, Elem3
  * *pResult = log of the sum of exp(pSrc[i]), by log-additions in single precision (`64f`: double). The order is fixed:
  * from 8 elements (`64f`: 5) elements go to four (`64f`: two) accumulators in turn, these are added, and the elements
  * left over follow one at a time. Fixed-point forms convert to single precision and sum blocks of 128, the total so far
- * being the first element of every later block; up to 6 elements they add in double precision. One element alone is the result as it is.
+ * being the first element of every later block; up to 6 elements they add in double precision. One element alone is the
+ * result as it is.
  * @{
  */
 LYRSR_API Status lyrsLogSum_32f(const Elem32f* pSrc, Elem32f* pResult, Elem32s len);

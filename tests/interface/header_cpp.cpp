@@ -3,4 +3,7 @@
 #include "lyrsr.h"
 #include "lyrsr.h" // NOLINT(readability-duplicate-include): the guard is what is tested
 
-int main() { return lyrsrGetLibVersion()->minorVersion == 2 ? 0 : 1; }
+int main()
+{
+    return lyrsrGetLibVersion()->minorVersion == 2 ? 0 : 1;
+}
