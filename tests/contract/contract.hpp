@@ -287,11 +287,12 @@ auto out(std::size_t n)
 {
     return Buffer<T, Access::write>(n * sizeof(T));
 }
-// Memory of `bytes` in which the call builds a record.
+// Memory of `bytes` in which the call builds a record: aligned as a pointer is, which is what callers owe, also where it
+// ends at the unmapped page.
 template <class T>
 auto place(std::size_t bytes)
 {
-    return Buffer<T, Access::write>(bytes);
+    return Buffer<T, Access::write>((bytes + sizeof(void*) - 1) / sizeof(void*) * sizeof(void*));
 }
 
 // `rows` pointers to rows of n elements; whether these are written is seen from the parameter. What is spoilt is the
