@@ -287,8 +287,8 @@ auto out(std::size_t n)
 {
     return Buffer<T, Access::write>(n * sizeof(T));
 }
-// Memory of `bytes` in which the call builds a record: aligned as a pointer is, which is what callers owe, also where it
-// ends at the unmapped page.
+// Memory of `bytes` in which the call builds a record: aligned as a pointer is, which is what callers owe, also where
+// it ends at the unmapped page.
 template <class T>
 auto place(std::size_t bytes)
 {

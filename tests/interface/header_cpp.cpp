@@ -1,7 +1,8 @@
 // The public header as a C++ program sees it, included twice.
 
 #include "lyrsr.h"
-#include "lyrsr.h" // NOLINT(readability-duplicate-include): the guard is what is tested
+// The guard is what is tested.
+#include "lyrsr.h" // NOLINT(readability-duplicate-include)
 
 int main()
 {
