@@ -1,0 +1,262 @@
+// Arithmetic that no operator writes: fused sums, limits, roots, estimates, conversions in place, masks as one answer.
+#pragma once
+
+#include "frame/simd_types.hpp"
+
+#include <cstdint>
+
+namespace lyr::LYR_NS {
+
+// a * b + c and c - a * b: fused where the processor has it. For sums whose order and roundings are free, and only
+// there.
+#if LYR_WIDTH == 128
+LYR_INLINE F32 mulAdd(F32 a, F32 b, F32 c)
+{
+    return a * b + c;
+}
+LYR_INLINE F64 mulAdd(F64 a, F64 b, F64 c)
+{
+    return a * b + c;
+}
+LYR_INLINE F32 mulSub(F32 a, F32 b, F32 c)
+{
+    return c - a * b;
+}
+LYR_INLINE F64 mulSub(F64 a, F64 b, F64 c)
+{
+    return c - a * b;
+}
+LYR_INLINE F32 min(F32 a, F32 b)
+{
+    return _mm_min_ps(a, b);
+}
+LYR_INLINE F32 max(F32 a, F32 b)
+{
+    return _mm_max_ps(a, b);
+}
+LYR_INLINE F64 min(F64 a, F64 b)
+{
+    return _mm_min_pd(a, b);
+}
+LYR_INLINE F64 max(F64 a, F64 b)
+{
+    return _mm_max_pd(a, b);
+}
+LYR_INLINE F32 sqrt(F32 a)
+{
+    return _mm_sqrt_ps(a);
+}
+LYR_INLINE F64 sqrt(F64 a)
+{
+    return _mm_sqrt_pd(a);
+}
+// To 32-bit integers in the rounding mode in force; out of range gives -2^31.
+LYR_INLINE I32 toInt(F32 a)
+{
+    return as<I32>(_mm_cvtps_epi32(a));
+}
+LYR_INLINE I32 truncateToInt(F32 a)
+{
+    return as<I32>(_mm_cvttps_epi32(a));
+}
+LYR_INLINE F32 toFloat(I32 a)
+{
+    return _mm_cvtepi32_ps(as<__m128i>(a));
+}
+// One bit for each lane's sign.
+LYR_INLINE unsigned signBits(F32 a)
+{
+    return static_cast<unsigned>(_mm_movemask_ps(a));
+}
+LYR_INLINE unsigned signBits(F64 a)
+{
+    return static_cast<unsigned>(_mm_movemask_pd(a));
+}
+#elif LYR_WIDTH == 256
+LYR_INLINE F32 mulAdd(F32 a, F32 b, F32 c)
+{
+    return _mm256_fmadd_ps(a, b, c);
+}
+LYR_INLINE F64 mulAdd(F64 a, F64 b, F64 c)
+{
+    return _mm256_fmadd_pd(a, b, c);
+}
+LYR_INLINE F32 mulSub(F32 a, F32 b, F32 c)
+{
+    return _mm256_fnmadd_ps(a, b, c);
+}
+LYR_INLINE F64 mulSub(F64 a, F64 b, F64 c)
+{
+    return _mm256_fnmadd_pd(a, b, c);
+}
+LYR_INLINE F32 min(F32 a, F32 b)
+{
+    return _mm256_min_ps(a, b);
+}
+LYR_INLINE F32 max(F32 a, F32 b)
+{
+    return _mm256_max_ps(a, b);
+}
+LYR_INLINE F64 min(F64 a, F64 b)
+{
+    return _mm256_min_pd(a, b);
+}
+LYR_INLINE F64 max(F64 a, F64 b)
+{
+    return _mm256_max_pd(a, b);
+}
+LYR_INLINE F32 sqrt(F32 a)
+{
+    return _mm256_sqrt_ps(a);
+}
+LYR_INLINE F64 sqrt(F64 a)
+{
+    return _mm256_sqrt_pd(a);
+}
+LYR_INLINE I32 toInt(F32 a)
+{
+    return as<I32>(_mm256_cvtps_epi32(a));
+}
+LYR_INLINE I32 truncateToInt(F32 a)
+{
+    return as<I32>(_mm256_cvttps_epi32(a));
+}
+LYR_INLINE F32 toFloat(I32 a)
+{
+    return _mm256_cvtepi32_ps(as<__m256i>(a));
+}
+LYR_INLINE unsigned signBits(F32 a)
+{
+    return static_cast<unsigned>(_mm256_movemask_ps(a));
+}
+LYR_INLINE unsigned signBits(F64 a)
+{
+    return static_cast<unsigned>(_mm256_movemask_pd(a));
+}
+#else
+LYR_INLINE F32 mulAdd(F32 a, F32 b, F32 c)
+{
+    return _mm512_fmadd_ps(a, b, c);
+}
+LYR_INLINE F64 mulAdd(F64 a, F64 b, F64 c)
+{
+    return _mm512_fmadd_pd(a, b, c);
+}
+LYR_INLINE F32 mulSub(F32 a, F32 b, F32 c)
+{
+    return _mm512_fnmadd_ps(a, b, c);
+}
+LYR_INLINE F64 mulSub(F64 a, F64 b, F64 c)
+{
+    return _mm512_fnmadd_pd(a, b, c);
+}
+LYR_INLINE F32 min(F32 a, F32 b)
+{
+    return _mm512_min_ps(a, b);
+}
+LYR_INLINE F32 max(F32 a, F32 b)
+{
+    return _mm512_max_ps(a, b);
+}
+LYR_INLINE F64 min(F64 a, F64 b)
+{
+    return _mm512_min_pd(a, b);
+}
+LYR_INLINE F64 max(F64 a, F64 b)
+{
+    return _mm512_max_pd(a, b);
+}
+LYR_INLINE F32 sqrt(F32 a)
+{
+    return _mm512_sqrt_ps(a);
+}
+LYR_INLINE F64 sqrt(F64 a)
+{
+    return _mm512_sqrt_pd(a);
+}
+LYR_INLINE I32 toInt(F32 a)
+{
+    return as<I32>(_mm512_cvtps_epi32(a));
+}
+LYR_INLINE I32 truncateToInt(F32 a)
+{
+    return as<I32>(_mm512_cvttps_epi32(a));
+}
+LYR_INLINE F32 toFloat(I32 a)
+{
+    return _mm512_cvtepi32_ps(as<__m512i>(a));
+}
+LYR_INLINE unsigned signBits(F32 a)
+{
+    return _mm512_movepi32_mask(_mm512_castps_si512(a));
+}
+LYR_INLINE unsigned signBits(F64 a)
+{
+    return _mm512_movepi64_mask(_mm512_castpd_si512(a));
+}
+#endif
+
+// Likewise, limited to 32 bits; NaN gives 2^31 - 1.
+LYR_INLINE I32 toIntLimited(F32 a)
+{
+    return a < splat(0x1p31F) ? toInt(a) : splat(std::int32_t{INT32_MAX});
+}
+
+LYR_INLINE F32 abs(F32 a)
+{
+    return as<F32>(as<I32>(a) & splat(std::int32_t{0x7FFFFFFF}));
+}
+
+// A mask from a comparison has any, or all, of its lanes set.
+LYR_INLINE bool any(I32 mask)
+{
+    return signBits(as<F32>(mask)) != 0;
+}
+LYR_INLINE bool any(I64 mask)
+{
+    return signBits(as<F64>(mask)) != 0;
+}
+LYR_INLINE bool all(I32 mask)
+{
+    return signBits(as<F32>(mask)) == (1U << lanes<F32>)-1;
+}
+LYR_INLINE bool all(I64 mask)
+{
+    return signBits(as<F64>(mask)) == (1U << lanes<F64>)-1;
+}
+
+// Estimates with 12 bits, the same at every width: refined or not, a function promises what these and its formula give.
+#if LYR_WIDTH == 128
+LYR_INLINE F32 reciprocalEstimate(F32 a)
+{
+    return _mm_rcp_ps(a);
+}
+LYR_INLINE F32 reciprocalRootEstimate(F32 a)
+{
+    return _mm_rsqrt_ps(a);
+}
+#elif LYR_WIDTH == 256
+LYR_INLINE F32 reciprocalEstimate(F32 a)
+{
+    return _mm256_rcp_ps(a);
+}
+LYR_INLINE F32 reciprocalRootEstimate(F32 a)
+{
+    return _mm256_rsqrt_ps(a);
+}
+#else
+LYR_INLINE F32 reciprocalEstimate(F32 a)
+{
+    const __m256 low = _mm256_rcp_ps(_mm512_castps512_ps256(a));
+    const __m256 high = _mm256_rcp_ps(_mm512_extractf32x8_ps(a, 1));
+    return _mm512_insertf32x8(_mm512_castps256_ps512(low), high, 1);
+}
+LYR_INLINE F32 reciprocalRootEstimate(F32 a)
+{
+    const __m256 low = _mm256_rsqrt_ps(_mm512_castps512_ps256(a));
+    const __m256 high = _mm256_rsqrt_ps(_mm512_extractf32x8_ps(a, 1));
+    return _mm512_insertf32x8(_mm512_castps256_ps512(low), high, 1);
+}
+#endif
+
+} // namespace lyr::LYR_NS
