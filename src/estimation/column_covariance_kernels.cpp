@@ -1,6 +1,7 @@
 #include "estimation/column_covariance_kernels.hpp"
 
 #include "estimation/column_load.hpp"
+#include "frame/elements.hpp"
 
 namespace lyr::LYR_NS {
 namespace {
@@ -101,7 +102,7 @@ void accumulatePiece(Rows rows, Elem32s height, const S* mean, Matrix dst, Elem6
 {
     const std::ptrdiff_t step = endColumn - firstColumn;
     Elem64f sums[pieceSums];
-    std::memset(sums, 0, static_cast<std::size_t>((endRow - firstRow) * step) * sizeof(Elem64f));
+    zeroElements(sums, (endRow - firstRow) * step);
     for (std::ptrdiff_t r = 0; r < height; r += tileRows) {
         const Tile<Rows> tile{rows, r, smaller(r + tileRows, height)};
         std::ptrdiff_t i = firstRow;

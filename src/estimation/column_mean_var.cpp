@@ -9,6 +9,7 @@
 
 #include "estimation/column_sums.hpp"
 #include "frame/check.hpp"
+#include "frame/elements.hpp"
 #include "frame/fixed_point.hpp"
 #include "frame/memory.hpp"
 #include "frame/rounding.hpp"
@@ -18,13 +19,13 @@
 #include <emmintrin.h>
 
 using lyr::Block;
-using lyr::clear;
 using lyr::Columns;
 using lyr::convertToNearest;
 using lyr::forEachPanel;
 using lyr::panelColumns;
 using lyr::Table;
 using lyr::WorkBuffer;
+using lyr::zeroElements;
 
 namespace {
 
@@ -73,7 +74,7 @@ Elem32s toInteger(Elem64f x)
 template <class Rows>
 Status mean32f(Columns<Rows> columns, Elem32f* mean)
 {
-    clear(mean, columns.width);
+    zeroElements(mean, columns.width);
     kernels.singles.of(columns.rows).values(columns, nullptr, mean, nullptr);
     const Elem32f factor = roundedReciprocal(columns.height);
     for (Elem32s c = 0; c < columns.width; ++c) {
@@ -85,7 +86,7 @@ Status mean32f(Columns<Rows> columns, Elem32f* mean)
 template <class Rows>
 Status var32f(Columns<Rows> columns, const Elem32f* mean, Elem32f* var)
 {
-    clear(var, columns.width);
+    zeroElements(var, columns.width);
     kernels.singles.of(columns.rows).squares(columns, nullptr, nullptr, var);
     const Variance variance(columns.height, roundedReciprocal(columns.height - 1));
     for (Elem32s c = 0; c < columns.width; ++c) {
@@ -97,8 +98,8 @@ Status var32f(Columns<Rows> columns, const Elem32f* mean, Elem32f* var)
 template <class Rows>
 Status meanVar32f(Columns<Rows> columns, Elem32f* mean, Elem32f* var)
 {
-    clear(mean, columns.width);
-    clear(var, columns.width);
+    zeroElements(mean, columns.width);
+    zeroElements(var, columns.width);
     kernels.singles.of(columns.rows).both(columns, nullptr, mean, var);
     const Elem32f factor = roundedReciprocal(columns.height);
     const Variance variance(columns.height, roundedReciprocal(columns.height - 1));
@@ -116,7 +117,7 @@ Status mean16s(Columns<Rows> columns, Elem16s* mean)
 {
     const WorkBuffer<Elem32f> sums(columns.width + spareColumns);
     LYR_CHECK(require(static_cast<bool>(sums), StsMemAlloc));
-    clear(sums.data(), columns.width);
+    zeroElements(sums.data(), columns.width);
     kernels.shorts.of(columns.rows).values(columns, nullptr, sums.data(), nullptr);
     const auto factor = reciprocal<Elem32f>(columns.height);
     for (Elem32s c = 0; c < columns.width; ++c) {
@@ -130,7 +131,7 @@ Status var16s(Columns<Rows> columns, const Elem16s* mean, Elem16s* var, Elem32s 
 {
     const WorkBuffer<Elem32f> squares(columns.width + spareColumns);
     LYR_CHECK(require(static_cast<bool>(squares), StsMemAlloc));
-    clear(squares.data(), columns.width);
+    zeroElements(squares.data(), columns.width);
     kernels.shorts.of(columns.rows).squares(columns, nullptr, nullptr, squares.data());
     const Variance variance(columns.height, reciprocal<Elem32f>(columns.height - 1));
     for (Elem32s c = 0; c < columns.width; ++c) {
@@ -148,8 +149,8 @@ Status meanVar16s(Columns<Rows> columns, Elem16s* pMean, Elem16s* pVar, Elem32s 
     forEachPanel(columns.width, [&](Elem32s first, Elem32s count) {
         Elem32f mean[panelColumns];
         Elem32f var[panelColumns];
-        clear(mean, count);
-        clear(var, count);
+        zeroElements(mean, count);
+        zeroElements(var, count);
         kernels.shorts.of(columns.rows).both({columns.rows, columns.height, count, first}, nullptr, mean, var);
         for (Elem32s c = 0; c < count; ++c) {
             mean[c] *= factor;
@@ -172,8 +173,8 @@ Status meanVarInDouble(Columns<Rows> columns, Elem64f scale, Store store)
     forEachPanel(columns.width, [&](Elem32s first, Elem32s count) {
         Elem64f sums[panelColumns];
         Elem64f squares[panelColumns];
-        clear(sums, count);
-        clear(squares, count);
+        zeroElements(sums, count);
+        zeroElements(squares, count);
         kernels.shortsInDouble.of(columns.rows)
             .both({columns.rows, columns.height, count, first}, nullptr, sums, squares);
         for (Elem32s c = 0; c < count; ++c) {

@@ -2,15 +2,16 @@
 
 #include "estimation/column_sums.hpp"
 #include "frame/check.hpp"
+#include "frame/elements.hpp"
 #include "frame/rounding.hpp"
 #include "lyrsr.h"
 
 using lyr::Block;
-using lyr::clear;
 using lyr::Columns;
 using lyr::convertToNearest;
 using lyr::forEachPanel;
 using lyr::panelColumns;
+using lyr::zeroElements;
 
 namespace {
 
@@ -28,8 +29,8 @@ Status sumMeanVar(const S* pSrc, Elem32s step, Elem32s height, Elem32f* sum, Ele
 {
     LYR_CHECK(stride(width, step), pointers(pSrc), pointers(sum, sumSq), sizes(height, width));
     if (contents == Contents::Overwritten) {
-        clear(sum, width);
-        clear(sumSq, width);
+        zeroElements(sum, width);
+        zeroElements(sumSq, width);
     }
     const Columns columns{Block{pSrc, step}, height, width};
     if constexpr (__is_same(S, Elem32f)) {
@@ -50,8 +51,8 @@ Status sumMeanVarScaled(const Elem16s* pSrc, Elem32s step, Elem32s height, Elem3
         Elem32f sum[panelColumns];
         Elem32f sumSq[panelColumns];
         if (contents == Contents::Overwritten) {
-            clear(sum, count);
-            clear(sumSq, count);
+            zeroElements(sum, count);
+            zeroElements(sumSq, count);
         } else {
             for (Elem32s c = 0; c < count; ++c) {
                 sum[c] = static_cast<Elem32f>(pSum[first + c]);

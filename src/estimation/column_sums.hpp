@@ -4,20 +4,11 @@
 
 #include "estimation/column_sums_kernels.hpp"
 
-#include <cstring>
-
 namespace lyr {
 
 // Sums of so many columns at a time have their place on the stack. The rows of one panel are long enough to be read at
 // full speed.
 inline constexpr Elem32s panelColumns = 256;
-
-// Zeros in front of a kernel that adds.
-template <class T>
-void clear(T* values, Elem32s width)
-{
-    std::memset(values, 0, static_cast<std::size_t>(width) * sizeof(T));
-}
 
 // Calls perPanel(first, count) for every panel of `width` columns.
 template <class PerPanel>

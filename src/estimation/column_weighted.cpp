@@ -5,12 +5,13 @@
 
 #include "estimation/column_sums.hpp"
 #include "frame/check.hpp"
+#include "frame/elements.hpp"
 #include "lyrsr.h"
 
 using lyr::Block;
-using lyr::clear;
 using lyr::Columns;
 using lyr::Table;
+using lyr::zeroElements;
 
 namespace {
 
@@ -29,7 +30,7 @@ const auto& sumsOf(const Columns<Rows>& columns)
 template <class Rows, class T>
 Status weightedMean(Columns<Rows> columns, const T* weights, T* mean)
 {
-    clear(mean, columns.width);
+    zeroElements(mean, columns.width);
     sumsOf(columns).values(columns, weights, mean, nullptr);
     return StsNoErr;
 }
@@ -45,7 +46,7 @@ void subtractSquares(const T* mean, T* var, Elem32s width)
 template <class Rows, class T>
 Status weightedVar(Columns<Rows> columns, const T* weights, const T* mean, T* var)
 {
-    clear(var, columns.width);
+    zeroElements(var, columns.width);
     sumsOf(columns).squares(columns, weights, nullptr, var);
     subtractSquares(mean, var, columns.width);
     return StsNoErr;
@@ -54,8 +55,8 @@ Status weightedVar(Columns<Rows> columns, const T* weights, const T* mean, T* va
 template <class Rows, class T>
 Status weightedMeanVar(Columns<Rows> columns, const T* weights, T* mean, T* var)
 {
-    clear(mean, columns.width);
-    clear(var, columns.width);
+    zeroElements(mean, columns.width);
+    zeroElements(var, columns.width);
     sumsOf(columns).both(columns, weights, mean, var);
     subtractSquares(mean, var, columns.width);
     return StsNoErr;

@@ -1,5 +1,6 @@
 #include "frame/scale.hpp"
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <limits>
@@ -42,22 +43,17 @@ constexpr std::array<Elem64f, 33> makeDoubles()
 constexpr auto intdTable = makeDoubles();
 static_assert(intdTable[16] == 1.0 && intdTable[32] == 0x1p-1024);
 
-constexpr Elem64s clamp(Elem64s x, Elem64s low, Elem64s high)
-{
-    return x < low ? low : (x > high ? high : x);
-}
-
 } // namespace
 
 Elem32f GetScale_32s32f(Elem32s s) noexcept
 {
-    const Elem64s exponent = clamp(-static_cast<Elem64s>(s), -150, 128);
+    const Elem64s exponent = std::clamp<Elem64s>(-Elem64s{s}, -150, 128);
     return intfTable[static_cast<std::size_t>(128 - exponent)];
 }
 
 Elem64f GetScale_32s64f(Elem32s s) noexcept
 {
-    const Elem64s exponent = clamp(-static_cast<Elem64s>(s), -1087, 1024);
+    const Elem64s exponent = std::clamp<Elem64s>(-Elem64s{s}, -1087, 1024);
     const Elem64s coarse =
         exponent / 64; // toward zero, so that the product is the only rounding on the way to a subnormal
     const Elem64s fine = exponent % 64;

@@ -139,9 +139,13 @@ struct HighAuroraBank : AuroraBank
 inline constexpr Elem32s leftRowAdvance = 3;
 
 // The centres and the spare entry behind them.
+constexpr Elem64s centerCount(Elem32s nFilter)
+{
+    return Elem64s{nFilter} + 3;
+}
 constexpr Elem64s centerBytes(Elem32s nFilter)
 {
-    return (Elem64s{nFilter} + 3) * Elem64s{sizeof(Elem32s)};
+    return centerCount(nFilter) * Elem64s{sizeof(Elem32s)};
 }
 
 // Blocks one behind the other in a caller's memory, each on a 32-byte boundary.

@@ -1,10 +1,10 @@
 // Sizes, placement, allocation and release of filter banks.
 
+#include "frame/elements.hpp"
 #include "frontend/filter_bank.hpp"
 
 #include <algorithm>
 #include <cstddef>
-#include <cstring>
 
 namespace lyr {
 namespace {
@@ -237,7 +237,7 @@ Status allocateBank(State** bank, BankLength length, Elem32s nFilter, bool withT
     *bank = record;
     record->pCenters = allocateBytes<Elem32s>(centerBytes(nFilter));
     LYR_CHECK(require(record->pCenters != nullptr, StsMemAlloc));
-    std::memset(record->pCenters, 0, static_cast<std::size_t>(centerBytes(nFilter)));
+    zeroElements(record->pCenters, static_cast<std::ptrdiff_t>(centerCount(nFilter)));
     record->pCoefLeft = Kind<State>::allocateRows(tableRows(nFilter), leftColumns(length.points));
     LYR_CHECK(require(record->pCoefLeft != nullptr, StsMemAlloc));
     record->pCoefRight = Kind<State>::allocateRows(tableRows(nFilter), rightColumns(length.points));

@@ -1,9 +1,9 @@
 // Element-wise sums, differences and products.
 
 #include "frame/check.hpp"
+#include "frame/elements.hpp"
 #include "lyrsr.h"
 #include "vector/arithmetic_kernels.hpp"
-#include "vector/elements.hpp"
 
 namespace {
 

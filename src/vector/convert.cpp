@@ -6,6 +6,8 @@
 #include "lyrsr.h"
 #include "vector/convert_kernels.hpp"
 
+#include <algorithm>
+
 using lyr::ConversionScope;
 using lyr::GetScale_32s32f;
 using lyr::GetScale_32s64f;
@@ -14,11 +16,6 @@ using lyr::ToIntegerKernels;
 namespace {
 
 const lyr::ConvertKernels kernels = LYR_SELECT_KERNELS(convertKernels);
-
-constexpr Elem32s clamp(Elem32s x, Elem32s low, Elem32s high)
-{
-    return x < low ? low : (x > high ? high : x);
-}
 
 // A power of two of single precision for doubles, too: a large scale factor makes it 0 or an infinity, as meant.
 template <class Kernel, class S, class D>
@@ -86,7 +83,7 @@ Status lyrsConvert_16s32f_Sfs(const Elem16s* pSrc, Elem32f* pDst, Elem32s len, E
     if (scaleFactor == 0) {
         return kernels.from16sTo32f(pSrc, pDst, len);
     }
-    return kernels.scaled16sTo32f(pSrc, pDst, len, GetScale_32s32f(clamp(scaleFactor, -112, 126)));
+    return kernels.scaled16sTo32f(pSrc, pDst, len, GetScale_32s32f(std::clamp(scaleFactor, -112, 126)));
 }
 
 Status lyrsConvert_32s32f_Sfs(const Elem32s* pSrc, Elem32f* pDst, Elem32s len, Elem32s scaleFactor)
@@ -95,13 +92,13 @@ Status lyrsConvert_32s32f_Sfs(const Elem32s* pSrc, Elem32f* pDst, Elem32s len, E
     if (scaleFactor == 0) {
         return kernels.from32sTo32f(pSrc, pDst, len);
     }
-    return kernels.scaled32sTo32f(pSrc, pDst, len, GetScale_32s32f(clamp(scaleFactor, -96, 126)));
+    return kernels.scaled32sTo32f(pSrc, pDst, len, GetScale_32s32f(std::clamp(scaleFactor, -96, 126)));
 }
 
 Status lyrsConvert_16s64f_Sfs(const Elem16s* pSrc, Elem64f* pDst, Elem32s len, Elem32s scaleFactor)
 {
     LYR_CHECK(pointers(pSrc, pDst), sizes(len));
-    return kernels.scaled16sTo64f(pSrc, pDst, len, GetScale_32s64f(clamp(scaleFactor, -1008, 1022)));
+    return kernels.scaled16sTo64f(pSrc, pDst, len, GetScale_32s64f(std::clamp(scaleFactor, -1008, 1022)));
 }
 
 // --------------------------------------------------------------------------------------------------------- to integers
@@ -131,7 +128,7 @@ Status lyrsConvert_32s16s_Sfs(const Elem32s* pSrc, Elem16s* pDst, Elem32s len, E
         return kernels.from32sTo16s(pSrc, pDst, len);
     }
     if (scaleFactor > 0) {
-        return kernels.shiftedRight32sTo16s(pSrc, pDst, len, clamp(scaleFactor, 1, 31));
+        return kernels.shiftedRight32sTo16s(pSrc, pDst, len, std::clamp(scaleFactor, 1, 31));
     }
-    return kernels.shiftedLeft32sTo16s(pSrc, pDst, len, -clamp(scaleFactor, -15, -1));
+    return kernels.shiftedLeft32sTo16s(pSrc, pDst, len, -std::clamp(scaleFactor, -15, -1));
 }

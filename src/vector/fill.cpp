@@ -1,8 +1,8 @@
 // Vectors set to a constant, cleared, copied and moved.
 
 #include "frame/check.hpp"
+#include "frame/elements.hpp"
 #include "lyrsr.h"
-#include "vector/elements.hpp"
 #include "vector/fill_kernels.hpp"
 
 #include <cstring>

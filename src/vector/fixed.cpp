@@ -1,10 +1,10 @@
 // Element-wise fixed-point operations: products of 16 bits, magnitudes of 32-bit complex numbers.
 
 #include "frame/check.hpp"
+#include "frame/elements.hpp"
 #include "frame/rounding.hpp"
 #include "frame/scale.hpp"
 #include "lyrsr.h"
-#include "vector/elements.hpp"
 #include "vector/fixed_kernels.hpp"
 
 namespace {

@@ -1,8 +1,8 @@
 // The N-th largest element, by quick-select (Hoare, Algorithm 65: Find, CACM 4(7), 1961).
 
 #include "frame/check.hpp"
+#include "frame/elements.hpp"
 #include "lyrsr.h"
-#include "vector/elements.hpp"
 
 #include <algorithm>
 #include <type_traits>

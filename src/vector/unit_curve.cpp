@@ -1,8 +1,8 @@
 // A smooth step from 0 to 2.
 
 #include "frame/check.hpp"
+#include "frame/elements.hpp"
 #include "lyrsr.h"
-#include "vector/elements.hpp"
 #include "vector/unit_curve_kernels.hpp"
 
 namespace {
