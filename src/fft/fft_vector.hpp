@@ -3,6 +3,7 @@
 #pragma once
 
 #include "frame/simd.hpp"
+#include "frame/simd_shuffle.hpp"
 
 #include <type_traits>
 #include <utility>
@@ -118,20 +119,7 @@ LYR_INLINE void unroll(Body body)
 
 // ----------------------------------------------------------------------------------------------------------- shuffles
 
-// Lane i of the result is lane Map::at(i, W) of a and b in a row.
-template <class Map, class V>
-LYR_INLINE V shuffle(V a, V b)
-{
-    return [&]<int... I>(std::integer_sequence<int, I...>) __attribute__((always_inline))
-    {
-        return __builtin_shufflevector(a, b, Map::at(I, width<V>)...);
-    }
-    (std::make_integer_sequence<int, width<V>>{});
-}
-
 // clang-format off
-struct EvenLanes { LYR_INLINE static constexpr int at(int i, int) { return 2 * i; } };
-struct OddLanes { LYR_INLINE static constexpr int at(int i, int) { return 2 * i + 1; } };
 struct InterleaveLow { LYR_INLINE static constexpr int at(int i, int w) { return i / 2 + (i % 2) * w; } };
 struct InterleaveHigh { LYR_INLINE static constexpr int at(int i, int w) { return (w + i) / 2 + (i % 2) * w; } };
 struct ReversedLow { LYR_INLINE static constexpr int at(int i, int w) { return w - 1 - i / 2 + (i % 2) * w; } };

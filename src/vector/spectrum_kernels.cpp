@@ -1,57 +1,30 @@
 #include "vector/spectrum_kernels.hpp"
 
-#include "frame/simd.hpp"
-
-#include <utility>
+#include "frame/simd_shuffle.hpp"
+#include "vector/map.hpp"
 
 namespace lyr::LYR_NS {
 namespace {
 
-constexpr auto laneNumbers = std::make_integer_sequence<int, lanes<F32>>{};
-
-// (a0, a2, ..., b0, b2, ...) and (a1, a3, ..., b1, b3, ...): the real and the imaginary parts.
-template <int... I>
-LYR_INLINE F32 evens(F32 a, F32 b, std::integer_sequence<int, I...> /*lanes*/)
-{
-    return __builtin_shufflevector(a, b, (2 * I)...);
-}
-
-template <int... I>
-LYR_INLINE F32 odds(F32 a, F32 b, std::integer_sequence<int, I...> /*lanes*/)
-{
-    return __builtin_shufflevector(a, b, (2 * I + 1)...);
-}
-
 // Of pairs (x, y): (y, x), (x, x) and (y, y).
-template <int... I>
-LYR_INLINE F32 swapped(F32 v, std::integer_sequence<int, I...> /*lanes*/)
+struct Swapped
 {
-    return __builtin_shufflevector(v, v, (I ^ 1)...);
-}
-
-template <int... I>
-LYR_INLINE F32 firsts(F32 v, std::integer_sequence<int, I...> /*lanes*/)
+    LYR_INLINE static constexpr int at(int i, int /*w*/) { return i ^ 1; }
+};
+struct Firsts
 {
-    return __builtin_shufflevector(v, v, (I & ~1)...);
-}
-
-template <int... I>
-LYR_INLINE F32 seconds(F32 v, std::integer_sequence<int, I...> /*lanes*/)
+    LYR_INLINE static constexpr int at(int i, int /*w*/) { return i & ~1; }
+};
+struct Seconds
 {
-    return __builtin_shufflevector(v, v, (I | 1)...);
-}
-
-template <int... I>
-LYR_INLINE F32 minusZeroInSeconds(std::integer_sequence<int, I...> /*lanes*/)
-{
-    return F32{(I % 2 == 1 ? -0.0F : 0.0F)...};
-}
+    LYR_INLINE static constexpr int at(int i, int /*w*/) { return i | 1; }
+};
 
 // The processor's own root: correctly rounded, and right at zero, at infinity and for subnormal squares.
 LYR_INLINE F32 magnitudes(F32 a, F32 b)
 {
-    const F32 re = evens(a, b, laneNumbers);
-    const F32 im = odds(a, b, laneNumbers);
+    const F32 re = shuffle<EvenLanes>(a, b);
+    const F32 im = shuffle<OddLanes>(a, b);
     return sqrt(re * re + im * im);
 }
 
@@ -76,27 +49,19 @@ void magnitude(const Elem32f* src, Elem32f* dst, Elem32s len)
 // s = (a, b), t = (c, d): (a c, b c) + (b d, -a d).
 LYR_INLINE F32 timesConjugate(F32 s, F32 t)
 {
-    const F32 products = swapped(s, laneNumbers) * seconds(t, laneNumbers);
-    const F32 turned = as<F32>(as<U32>(products) ^ as<U32>(minusZeroInSeconds(laneNumbers)));
-    return s * firsts(t, laneNumbers) + turned;
+    const F32 products = shuffle<Swapped>(s, s) * shuffle<Seconds>(t, t);
+    const F32 turned = as<F32>(as<U64>(products) ^ 0x8000000000000000ULL); // the sign of the second
+    return s * shuffle<Firsts>(t, t) + turned;
 }
 
 void mulPackConj(const Elem32f* src, Elem32f* dst, Elem32s len)
 {
-    constexpr int L = lanes<F32>;
     dst[0] *= src[0];
     if (len % 2 == 0) {
         dst[len - 1] *= src[len - 1];
     }
-    const std::ptrdiff_t end = (len - 1) / 2 * 2 + 1; // behind the last pair
-    std::ptrdiff_t i = 1;
-    for (; i + L <= end; i += L) {
-        store<Unaligned>(dst + i, timesConjugate(load<Unaligned>(src + i), load<Unaligned>(dst + i)));
-    }
-    if (const int rest = static_cast<int>(end - i); rest != 0) {
-        storeTail(dst + i, timesConjugate(loadTail<Unaligned>(src + i, rest), loadTail<Unaligned>(dst + i, rest)),
-                  rest);
-    }
+    const Elem32s pairs = (len - 1) / 2 * 2;
+    map(src + 1, dst + 1, dst + 1, pairs, [](F32 s, F32 t) { return timesConjugate(s, t); });
 }
 
 } // namespace
