@@ -202,6 +202,15 @@ LYR_INLINE I32 toIntLimited(F32 a)
     return a < splat(0x1p31F) ? toInt(a) : splat(std::int32_t{INT32_MAX});
 }
 
+LYR_INLINE I32 min(I32 a, I32 b)
+{
+    return a < b ? a : b;
+}
+LYR_INLINE I32 max(I32 a, I32 b)
+{
+    return a > b ? a : b;
+}
+
 LYR_INLINE F32 abs(F32 a)
 {
     return as<F32>(as<I32>(a) & splat(std::int32_t{0x7FFFFFFF}));

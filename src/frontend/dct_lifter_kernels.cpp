@@ -1,44 +1,11 @@
 #include "frontend/dct_lifter_kernels.hpp"
 
-#include "frame/simd.hpp"
+#include "frame/simd_lanes.hpp"
 
 namespace lyr::LYR_NS {
 namespace {
 
 constexpr int L = lanes<F32>;
-
-// A vector of inputs as singles, without any scale.
-template <class A>
-LYR_INLINE F32 inputs(const Elem32f* p)
-{
-    return load<A>(p);
-}
-template <class A>
-LYR_INLINE F32 inputs(const Elem16s* p)
-{
-    return toFloat(loadWide(p));
-}
-template <class A>
-LYR_INLINE F32 inputs(const Elem32s* p)
-{
-    return toFloat(load<A>(p));
-}
-
-template <class A>
-LYR_INLINE F32 lastInputs(const Elem32f* p, int n)
-{
-    return loadTail<A>(p, n);
-}
-template <class A>
-LYR_INLINE F32 lastInputs(const Elem16s* p, int n)
-{
-    return toFloat(loadWideTail(p, n));
-}
-template <class A>
-LYR_INLINE F32 lastInputs(const Elem32s* p, int n)
-{
-    return toFloat(loadTail<A>(p, n));
-}
 
 // The end of a row. Its padding to 8 elements holds zeros, so that vectors of up to 8 are read whole.
 LYR_INLINE F32 lastCosines(const Elem32f* p, [[maybe_unused]] int n)
@@ -61,13 +28,13 @@ LYR_INLINE void products(F32 (&sums)[R], const Elem32f* const* rows, const S* sr
     }
     std::ptrdiff_t j = 0;
     for (; j + L <= len; j += L) {
-        const F32 x = inputs<A>(src + j);
+        const F32 x = loadLanes<Elem32f, A>(src + j);
         for (int k = 0; k < R; ++k) {
             sums[k] = mulAdd(x, load<Aligned>(row[k] + j), sums[k]);
         }
     }
     if (const int rest = static_cast<int>(len - j); rest != 0) {
-        const F32 x = lastInputs<A>(src + j, rest);
+        const F32 x = loadLanesTail<Elem32f, A>(src + j, rest);
         for (int k = 0; k < R; ++k) {
             sums[k] = mulAdd(x, lastCosines(row[k] + j, rest), sums[k]);
         }

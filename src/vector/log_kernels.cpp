@@ -1,7 +1,7 @@
 #include "vector/log_kernels.hpp"
 
-#include "frame/simd.hpp"
 #include "vector/log.hpp"
+#include "vector/map.hpp"
 
 namespace lyr::LYR_NS {
 namespace {
@@ -52,13 +52,8 @@ Status ln32f(Elem32f* p, Elem32s len)
         store<Unaligned>(p + i + 2 * L, lnNormal(x2));
         store<Unaligned>(p + i + 3 * L, lnNormal(x3));
     }
-    const auto lnOf = [&special](F32 x) { return any(beyondNormal(x)) ? lnNoting(x, special) : lnNormal(x); };
-    for (; i + L <= len; i += L) {
-        store<Unaligned>(p + i, lnOf(load<Unaligned>(p + i)));
-    }
-    if (const int rest = static_cast<int>(len - i); rest != 0) {
-        storeTail(p + i, lnOf(firstLanes32(rest) ? loadTail<Unaligned>(p + i, rest) : splat(1.0F)), rest);
-    }
+    mapFilled(p + i, p + i, static_cast<Elem32s>(len - i), 1.0F,
+              [&special](F32 x) { return any(beyondNormal(x)) ? lnNoting(x, special) : lnNormal(x); });
     return special.result();
 }
 
@@ -66,20 +61,11 @@ Status ln32f(Elem32f* p, Elem32s len)
 template <class Op>
 LYR_INLINE Status mapPositive(const Elem32s* src, Elem32s* dst, Elem32s len, Op op)
 {
-    constexpr int L = lanes<I32>;
     FirstSpecial special;
-    const auto step = [&special, op](I32 x) {
+    mapFilled(src, dst, len, Elem32s{1}, [&special, op](I32 x) {
         special.note(x == I32{}, x < I32{});
         return x > I32{} ? op(x) : splat(std::int32_t{INT32_MIN});
-    };
-    std::ptrdiff_t i = 0;
-    for (; i + L <= len; i += L) {
-        store<Unaligned>(dst + i, step(load<Unaligned>(src + i)));
-    }
-    if (const int rest = static_cast<int>(len - i); rest != 0) {
-        const I32 x = loadTail<Unaligned>(src + i, rest);
-        storeTail(dst + i, step(firstLanes32(rest) ? x : splat(std::int32_t{1})), rest);
-    }
+    });
     return special.result();
 }
 

@@ -31,16 +31,8 @@ LYR_INLINE F32 reciprocal(F32 x)
 
 void reciprocals(const Elem32f* src, Elem32f* dst, Elem32s len)
 {
-    constexpr int L = lanes<F32>;
-    std::ptrdiff_t i = 0;
-    for (; i + L <= len; i += L) {
-        store<Unaligned>(dst + i, reciprocal(load<Unaligned>(src + i)));
-    }
-    if (const int rest = static_cast<int>(len - i); rest != 0) {
-        // The lanes behind the tail must not look like zero divisors.
-        const F32 x = firstLanes32(rest) ? loadTail<Unaligned>(src + i, rest) : splat(1.0F);
-        storeTail(dst + i, reciprocal(x), rest);
-    }
+    // The lanes behind a tail must not look like zero divisors.
+    mapFilled(src, dst, len, 1.0F, [](F32 x) { return reciprocal(x); });
 }
 
 void replaceDefaultNan(Elem32f* dst, Elem32s len)

@@ -1,7 +1,6 @@
 #include "vector/roots_kernels.hpp"
 
-#include "frame/simd.hpp"
-#include "frame/simd_mixed.hpp"
+#include "vector/map.hpp"
 
 namespace lyr::LYR_NS {
 namespace {
@@ -9,19 +8,11 @@ namespace {
 // The processor's own root: correctly rounded, a zero keeps its sign, a negative element gives NaN.
 bool sqrt64f(Elem64f* p, Elem32s len)
 {
-    constexpr int L = lanes<F64>;
     I64 negative{};
-    const auto root = [&negative](F64 x) {
+    map(p, p, len, [&negative](F64 x) {
         negative |= x < F64{};
         return sqrt(x);
-    };
-    std::ptrdiff_t i = 0;
-    for (; i + L <= len; i += L) {
-        store<Unaligned>(p + i, root(load<Unaligned>(p + i)));
-    }
-    if (const int rest = static_cast<int>(len - i); rest != 0) {
-        storeTail(p + i, root(loadTail<Unaligned>(p + i, rest)), rest);
-    }
+    });
     return any(negative);
 }
 
@@ -40,22 +31,14 @@ LYR_INLINE F32 reciprocalRoot(F32 x)
 
 bool recSqrt32f(Elem32f* p, Elem32s len, Elem32f floor)
 {
-    constexpr int L = lanes<F32>;
     const F32 least = splat(floor);
     I32 kept{};
-    const auto root = [least, &kept](F32 x) {
+    // The lanes behind a tail are zero, which no floor lies below.
+    map(p, p, len, [least, &kept](F32 x) {
         const auto above = x > least;
         kept |= above;
         return above ? reciprocalRoot(above ? x : splat(1.0F)) : least;
-    };
-    std::ptrdiff_t i = 0;
-    for (; i + L <= len; i += L) {
-        store<Unaligned>(p + i, root(load<Unaligned>(p + i)));
-    }
-    if (const int rest = static_cast<int>(len - i); rest != 0) {
-        // The lanes behind the tail are zero, which no floor lies below.
-        storeTail(p + i, root(loadTail<Unaligned>(p + i, rest)), rest);
-    }
+    });
     return any(kept);
 }
 
@@ -80,44 +63,19 @@ LYR_INLINE I32 toIntegers(F32 v, const Elem16s* /*range*/)
     return toInt(min(v, splat(32767.0F)));
 }
 
-LYR_INLINE void storeIntegers(Elem32s* p, I32 v)
-{
-    store<Unaligned>(p, v);
-}
-LYR_INLINE void storeIntegers(Elem16s* p, I32 v)
-{
-    storeSaturated(p, v);
-}
-LYR_INLINE void storeIntegersTail(Elem32s* p, I32 v, int n)
-{
-    storeTail(p, v, n);
-}
-LYR_INLINE void storeIntegersTail(Elem16s* p, I32 v, int n)
-{
-    storeSaturatedTail(p, v, n);
-}
-
 // The processor's own root and quotient, so that a value half way between two integers is seen as one.
 template <class Domain, class D>
 bool recSqrtIntegers(const Elem32s* src, D* dst, Elem32s len, Elem32s floor, Elem32f scale)
 {
-    constexpr int L = lanes<I32>;
     const F32 least = splat(static_cast<Elem32f>(floor));
     I32 kept{};
-    const auto root = [least, scale, dst, &kept](I32 n) {
+    mapIn<Elem32s>(src, dst, len, [least, scale, dst, &kept](I32 n) {
         const F32 x = toFloat(n);
         const auto inside = Domain::keeps(x, least);
         kept |= inside;
         const F32 value = inside ? 1.0F / sqrt(inside ? x : splat(1.0F)) : least;
         return toIntegers(value * splat(scale), dst);
-    };
-    std::ptrdiff_t i = 0;
-    for (; i + L <= len; i += L) {
-        storeIntegers(dst + i, root(load<Unaligned>(src + i)));
-    }
-    if (const int rest = static_cast<int>(len - i); rest != 0) {
-        storeIntegersTail(dst + i, root(loadTail<Unaligned>(src + i, rest)), rest);
-    }
+    });
     return any(kept);
 }
 

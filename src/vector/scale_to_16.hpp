@@ -35,7 +35,7 @@ struct ShiftLeftLimited
     {
         const I32 top = splat(std::int32_t{INT16_MAX});
         const I32 bottom = splat(std::int32_t{INT16_MIN});
-        const I32 limited = x > top ? top : (x < bottom ? bottom : x);
+        const I32 limited = min(max(x, bottom), top);
         return as<I32>(as<U32>(limited) << count);
     }
 

@@ -1,26 +1,9 @@
 #include "vector/sum_log_kernels.hpp"
 
-#include "frame/simd.hpp"
+#include "frame/simd_lanes.hpp"
 
 namespace lyr::LYR_NS {
 namespace {
-
-LYR_INLINE F64 doubles(const Elem32f* p)
-{
-    return loadWide(p);
-}
-LYR_INLINE F64 doubles(const Elem64f* p)
-{
-    return load<Unaligned>(p);
-}
-LYR_INLINE F64 doublesTail(const Elem32f* p, int n)
-{
-    return loadWideTail(p, n);
-}
-LYR_INLINE F64 doublesTail(const Elem64f* p, int n)
-{
-    return loadTail<Unaligned>(p, n);
-}
 
 // Mantissas in [0.5, 1) multiply, exponents add.
 class Factors
@@ -52,16 +35,16 @@ LogProduct product(const T* p, int n)
     Factors odd;
     int i = 0;
     for (; i + 2 * L <= n; i += 2 * L) {
-        even.multiply(doubles(p + i));
-        odd.multiply(doubles(p + i + L));
+        even.multiply(loadLanes<Elem64f>(p + i));
+        odd.multiply(loadLanes<Elem64f>(p + i + L));
     }
     if (i + L <= n) {
-        even.multiply(doubles(p + i));
+        even.multiply(loadLanes<Elem64f>(p + i));
         i += L;
     }
     int count = i;
     if (const int rest = n - i; rest != 0) {
-        odd.multiply(firstLanes64(rest) ? doublesTail(p + i, rest) : splat(1.0));
+        odd.multiply(firstLanes64(rest) ? loadLanesTail<Elem64f>(p + i, rest) : splat(1.0));
         count += L;
     }
     alignas(vectorBytes) double mantissa[L];

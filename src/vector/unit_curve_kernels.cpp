@@ -1,6 +1,5 @@
 #include "vector/unit_curve_kernels.hpp"
 
-#include "frame/simd_mixed.hpp"
 #include "vector/map.hpp"
 
 namespace lyr::LYR_NS {
@@ -18,35 +17,18 @@ void curve32f(const Elem32f* src, Elem32f* dst, Elem32s len)
     });
 }
 
-LYR_INLINE I32 least(I32 a, I32 b)
-{
-    return a < b ? a : b;
-}
-LYR_INLINE I32 greatest(I32 a, I32 b)
-{
-    return a > b ? a : b;
-}
-
 template <class Shift>
 LYR_INLINE void curveIntegers(const Elem16s* src, Elem16s* dst, Elem32s len, int fraction, Shift shift)
 {
-    constexpr int L = lanes<I32>;
     const I32 one = splat(Elem32s{1} << fraction);
     const I32 two = splat(Elem32s{2} << fraction);
     const I32 top = splat(Elem32s{2} << (2 * fraction));
-    const auto curve = [one, two, top, shift](I32 n) {
-        const I32 x = least(greatest(n, I32{}), two);
+    mapIn<Elem32s>(src, dst, len, [one, two, top, shift](I32 n) {
+        const I32 x = min(max(n, I32{}), two);
         const I32 fromTop = two - x;
         const I32 y = x < one ? x * x : top - fromTop * fromTop;
         return shift(y); // the store limits it
-    };
-    std::ptrdiff_t i = 0;
-    for (; i + L <= len; i += L) {
-        storeSaturated(dst + i, curve(loadWide(src + i)));
-    }
-    if (const int rest = static_cast<int>(len - i); rest != 0) {
-        storeSaturatedTail(dst + i, curve(loadWideTail(src + i, rest)), rest);
-    }
+    });
 }
 
 void curve16s(const Elem16s* src, Elem16s* dst, Elem32s len, int fraction, Elem64s shift)
@@ -58,7 +40,7 @@ void curve16s(const Elem16s* src, Elem16s* dst, Elem32s len, int fraction, Elem6
     } else {
         // By 15 places even a 1 leaves the range of the result, and what is beyond it stays so.
         const int count = shift > -15 ? static_cast<int>(-shift) : 15;
-        curveIntegers(src, dst, len, fraction, [count](I32 y) { return least(y, splat(Elem32s{INT16_MAX})) << count; });
+        curveIntegers(src, dst, len, fraction, [count](I32 y) { return min(y, splat(Elem32s{INT16_MAX})) << count; });
     }
 }
 
