@@ -1,6 +1,7 @@
 // The real transform of singles: sizes, state record, and the transforms between a signal and its spectrum.
 #include "fft/fft_direct.hpp"
 #include "fft/fft_kernels.hpp"
+#include "fft/fft_record.hpp"
 #include "fft/fft_tables.hpp"
 #include "frame/check.hpp"
 #include "frame/memory.hpp"
@@ -21,10 +22,6 @@ constexpr Elem32s toSigned(std::uint64_t bytes)
 constexpr bool isFlag(Elem32s flag)
 {
     return flag == 1 || flag == 2 || flag == 4 || flag == 8;
-}
-constexpr bool isOrder(Elem32s order)
-{
-    return order >= 0 && order <= maxOrder;
 }
 
 void setNorm(FFTSpec_R_32f& spec, Elem32s flag) noexcept
@@ -145,35 +142,12 @@ Status lyrsFFTInit_R_32f(FFTSpec_R_32f** ppSpec, Elem32s order, Elem32s flag, El
 
 Status lyrsFFTInitAlloc_R_32f(FFTSpec_R_32f** ppSpec, Elem32s order, Elem32s flag, Elem32s hint)
 {
-    LYR_CHECK(pointers(ppSpec));
-    Elem32s specSize = 0;
-    Elem32s initSize = 0;
-    Elem32s bufSize = 0;
-    LYR_CHECK(lyrsFFTGetSize_R_32f(order, flag, hint, &specSize, &initSize, &bufSize));
-    Elem8u* const memory = lyrsMalloc_8u(specSize);
-    const WorkBuffer<Elem8u> init(initSize);
-    FFTSpec_R_32f* spec = nullptr;
-    const Status status = memory == nullptr || (initSize > 0 && !init)
-                              ? Status{StsMemAlloc}
-                              : lyrsFFTInit_R_32f(&spec, order, flag, hint, memory, init.data());
-    if (status != StsNoErr) {
-        lyrsFree(memory);
-        return status;
-    }
-    spec->ownsMemory = 1;
-    *ppSpec = spec;
-    return StsNoErr;
+    return allocateRecord(ppSpec, order, flag, hint, lyrsFFTGetSize_R_32f, lyrsFFTInit_R_32f, 0);
 }
 
 Status lyrsFFTFree_R_32f(FFTSpec_R_32f* pSpec)
 {
-    LYR_CHECK(pointers(pSpec));
-    LYR_CHECK(require(pSpec->idCtx == realTag, StsContext));
-    pSpec->idCtx = 0;
-    if (pSpec->ownsMemory != 0) {
-        lyrsFree(pSpec);
-    }
-    return StsNoErr;
+    return releaseRecord(pSpec, realTag);
 }
 
 Status lyrsFFTGetBufSize_R_32f(const FFTSpec_R_32f* pSpec, Elem32s* pBufSize)

@@ -1,5 +1,5 @@
 // The fixed-point transform: 16-bit samples to singles, the real transform, and its spectrum to scaled 32-bit integers.
-#include "fft/fft_spec.hpp"
+#include "fft/fft_record.hpp"
 #include "frame/check.hpp"
 #include "frame/memory.hpp"
 
@@ -12,12 +12,6 @@ namespace {
 
 constexpr Elem32s headSize = 64; // this record in front of the other, and its alignment
 constexpr Elem32s nearest = 1;
-
-// Sizes are sums of unsigned 32-bit numbers and wrap at the top orders: meant so.
-Elem32s wrappedSum(Elem32s a, std::uint64_t b)
-{
-    return static_cast<Elem32s>(static_cast<std::uint32_t>(a) + static_cast<std::uint32_t>(b));
-}
 
 // The singles of the signal and 8 bytes.
 constexpr std::uint64_t signalBytes(Elem32s order)
@@ -40,7 +34,7 @@ Status lyrsFFTGetSize_R_16s32s(Elem32s order, Elem32s flag, Elem32s hint, Elem32
 Status lyrsFFTInit_R_16s32s(FFTSpec_R_16s32s** ppSpec, Elem32s order, Elem32s flag, Elem32s hint, Elem8u* pMem,
                             Elem8u* pInitBuf)
 {
-    LYR_CHECK(pointers(ppSpec), require(order >= 0 && order <= maxOrder, StsFftOrder), pointers(pMem));
+    LYR_CHECK(pointers(ppSpec), require(isOrder(order), StsFftOrder), pointers(pMem));
     auto* const spec = reinterpret_cast<FFTSpec_R_16s32s*>(alignUp(pMem, tableAlignment));
     FFTSpec_R_32f* inner = nullptr;
     // The head stays without its tag until the record behind it is complete.
@@ -60,35 +54,12 @@ Status lyrsFFTInit_R_16s32s(FFTSpec_R_16s32s** ppSpec, Elem32s order, Elem32s fl
 
 Status lyrsFFTInitAlloc_R_16s32s(FFTSpec_R_16s32s** ppSpec, Elem32s order, Elem32s flag, Elem32s hint)
 {
-    LYR_CHECK(pointers(ppSpec));
-    Elem32s specSize = 0;
-    Elem32s initSize = 0;
-    Elem32s bufSize = 0;
-    LYR_CHECK(lyrsFFTGetSize_R_16s32s(order, flag, hint, &specSize, &initSize, &bufSize));
-    Elem8u* const memory = lyrsMalloc_8u(wrappedSum(specSize, tableAlignment));
-    const WorkBuffer<Elem8u> init(initSize);
-    FFTSpec_R_16s32s* spec = nullptr;
-    const Status status = memory == nullptr || (initSize > 0 && !init)
-                              ? Status{StsMemAlloc}
-                              : lyrsFFTInit_R_16s32s(&spec, order, flag, hint, memory, init.data());
-    if (status != StsNoErr) {
-        lyrsFree(memory);
-        return status;
-    }
-    spec->ownsMemory = 1;
-    *ppSpec = spec;
-    return StsNoErr;
+    return allocateRecord(ppSpec, order, flag, hint, lyrsFFTGetSize_R_16s32s, lyrsFFTInit_R_16s32s, tableAlignment);
 }
 
 Status lyrsFFTFree_R_16s32s(FFTSpec_R_16s32s* pSpec)
 {
-    LYR_CHECK(pointers(pSpec));
-    LYR_CHECK(require(pSpec->idCtx == fixedTag, StsContext));
-    pSpec->idCtx = 0;
-    if (pSpec->ownsMemory != 0) {
-        lyrsFree(pSpec);
-    }
-    return StsNoErr;
+    return releaseRecord(pSpec, fixedTag);
 }
 
 Status lyrsFFTFwd_RToCCS_16s32s_Sfs(const Elem16s* pSrc, Elem32s* pDst, const FFTSpec_R_16s32s* pSpec,
