@@ -2,6 +2,7 @@
 // loops. Arguments of the DCT are inputs and cepstra, of the deltas columns and frames.
 
 #include "contest.hpp"
+#include "data.hpp"
 #include "lyrsr.h"
 #include "plain_features.hpp"
 
@@ -19,32 +20,14 @@ namespace {
 using bench::Contender;
 using bench::contender;
 using bench::contest;
-
-std::vector<float> ramp(int n, double low, double high)
-{
-    std::vector<float> x(static_cast<std::size_t>(n));
-    for (int i = 0; i < n; ++i) {
-        x[static_cast<std::size_t>(i)] = static_cast<float>(low + (high - low) * ((i * 7919) % n) / n);
-    }
-    return x;
-}
-
-// Weighs the outputs differently, so that they cannot stand for each other.
-double fingerprint(const std::vector<float>& y)
-{
-    double sum = 0;
-    for (std::size_t i = 0; i < y.size(); ++i) {
-        sum += static_cast<double>(i % 17 + 1) * static_cast<double>(y[i]);
-    }
-    return sum;
-}
+using bench::fingerprint;
 
 void dct(benchmark::State& state)
 {
     const int inputs = static_cast<int>(state.range(0));
     const int cepstra = static_cast<int>(state.range(1));
-    const auto x = ramp(inputs, 2, 12);
-    const auto w = ramp(cepstra, 0.5, 11);
+    const auto x = bench::ramp<std::vector<float>>(inputs, 2, 12);
+    const auto w = bench::ramp<std::vector<float>>(cepstra, 0.5, 11);
     std::vector<float> m;
     for (int i = 1; i <= cepstra; ++i) {
         for (int j = 0; j < inputs; ++j) {
@@ -57,7 +40,7 @@ void dct(benchmark::State& state)
         state.SkipWithError("no state");
         return;
     }
-    const auto result = [&y] { return fingerprint(y); };
+    const auto result = [&y] { return fingerprint(y, y.size()); };
     std::vector<Contender> all;
     all.push_back(contender(
         "ours", [&] { lyrsDCTLifter_32f(x.data(), y.data(), lifter); }, result));
@@ -101,9 +84,9 @@ void deltas(benchmark::State& state)
 {
     const int width = static_cast<int>(state.range(0));
     const int frames = static_cast<int>(state.range(1));
-    const auto x = ramp(width * frames, -10, 10);
+    const auto x = bench::ramp<std::vector<float>>(width * frames, -10, 10);
     std::vector<float> y(3 * x.size());
-    const auto result = [&y] { return fingerprint(y); };
+    const auto result = [&y] { return fingerprint(y, y.size()); };
     contest(state,
             {contender(
                  "ours",

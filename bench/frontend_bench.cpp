@@ -2,6 +2,7 @@
 // of the transform and the number of filters.
 
 #include "contest.hpp"
+#include "data.hpp"
 #include "lyrsr.h"
 #include "plain_banks.hpp"
 
@@ -20,17 +21,7 @@ namespace {
 using bench::Contender;
 using bench::contender;
 using bench::contest;
-
-// Weighs the outputs differently, so that they cannot stand for each other.
-template <class T>
-double fingerprint(const std::vector<T>& y, int filters)
-{
-    double sum = 0;
-    for (int i = 0; i < filters; ++i) {
-        sum += (i % 17 + 1) * static_cast<double>(y[static_cast<std::size_t>(i)]);
-    }
-    return sum;
-}
+using bench::fingerprint;
 
 // The weights of a bank, in the forms of the peers.
 struct Weights
@@ -93,7 +84,7 @@ void singles(benchmark::State& state)
         x[k] = 1.0F + static_cast<float>((k * 7919) % 100);
     }
     std::vector<float> y(static_cast<std::size_t>(filters) + 2);
-    const auto result = [&] { return fingerprint(y, filters); };
+    const auto result = [&] { return fingerprint(y, static_cast<std::size_t>(filters)); };
     std::vector<Contender> all;
     all.push_back(contender(
         "ours", [&] { lyrsEvalFBank_32f(x.data(), y.data(), bank); }, result));
@@ -105,7 +96,9 @@ void singles(benchmark::State& state)
     std::vector<float> early(y.size());
     all.push_back(contender(
         "plain_bins", [&] { plain::scatteredBank(weights.byBin, x.data(), early.data(), filters); },
-        [&] { return fingerprint(std::vector<float>(early.begin() + 1, early.end()), filters); }));
+        [&] {
+            return fingerprint(std::vector<float>(early.begin() + 1, early.end()), static_cast<std::size_t>(filters));
+        }));
 #if LYRSR_HAVE_OPENBLAS
     all.push_back(contender(
         "openblas",
@@ -151,7 +144,7 @@ void integers(benchmark::State& state)
         x[k] = static_cast<Elem16s>(1 + (k * 7919) % 1000);
     }
     std::vector<Elem16s> y(static_cast<std::size_t>(filters));
-    const auto result = [&] { return fingerprint(y, filters); };
+    const auto result = [&] { return fingerprint(y, static_cast<std::size_t>(filters)); };
     contest(state,
             {contender(
                  "ours", [&] { lyrsEvalFBank_16s_Sfs(x.data(), y.data(), bank, 0); }, result),

@@ -1,6 +1,7 @@
 // Vector primitives against OpenBLAS, Eigen, VOLK and plain loops. Arguments are lengths; a run is 32 calls.
 
 #include "contest.hpp"
+#include "data.hpp"
 #include "lyrsr.h"
 #include "plain_loops.hpp"
 
@@ -46,11 +47,7 @@ using Vector = std::vector<T, AtCacheLine<T>>;
 template <class T>
 Vector<T> ramp(int n, double low, double high)
 {
-    Vector<T> x(static_cast<std::size_t>(n));
-    for (int i = 0; i < n; ++i) {
-        x[static_cast<std::size_t>(i)] = static_cast<T>(low + (high - low) * ((i * 7919) % n) / n);
-    }
-    return x;
+    return bench::ramp<Vector<T>>(n, low, high);
 }
 
 template <class T>
