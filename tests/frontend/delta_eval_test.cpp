@@ -71,7 +71,7 @@ void compare(const Shape<T>& s, bool mul, std::size_t address, Random& random)
     }
     ASSERT_EQ(status, StsNoErr);
     for (std::size_t i = 0; i < expected.size(); ++i) {
-        ASSERT_TRUE(lyr::test::same(rows[i], expected[i]))
+        ASSERT_TRUE(lyr::test::exactly(rows[i], expected[i]))
             << "row " << i / step << " column " << i % step << ": " << rows[i] << " is not " << expected[i];
     }
     EXPECT_TRUE(rows.intact());

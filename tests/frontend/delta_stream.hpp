@@ -11,7 +11,7 @@
 
 #include "support/guarded.hpp"
 #include "support/random.hpp"
-#include "support/ulp.hpp"
+#include "support/vectors.hpp"
 
 namespace lyr::test {
 
@@ -47,15 +47,6 @@ void feed(const std::vector<T>& frames, std::size_t inputs, int history, const s
     }
 }
 
-inline bool same(float a, float b)
-{
-    return static_cast<bool>(sameBits(a, b));
-}
-inline bool same(Elem16s a, Elem16s b)
-{
-    return a == b;
-}
-
 // The first `columns` of every row are those of the packed `expected`; what lies between the rows still is `filler`.
 template <class T>
 void expectRows(const T* rows, std::size_t step, std::size_t columns, const std::vector<T>& expected, T filler)
@@ -63,12 +54,12 @@ void expectRows(const T* rows, std::size_t step, std::size_t columns, const std:
     const std::size_t height = expected.size() / columns;
     for (std::size_t r = 0; r < height; ++r) {
         for (std::size_t c = 0; c < columns; ++c) {
-            ASSERT_TRUE(same(rows[r * step + c], expected[r * columns + c]))
+            ASSERT_TRUE(exactly(rows[r * step + c], expected[r * columns + c]))
                 << "row " << r << " column " << c << ": " << rows[r * step + c] << " is not "
                 << expected[r * columns + c];
         }
         for (std::size_t c = columns; c < step && r + 1 < height; ++c) {
-            ASSERT_TRUE(same(rows[r * step + c], filler)) << "row " << r << " column " << c << " is outside";
+            ASSERT_TRUE(exactly(rows[r * step + c], filler)) << "row " << r << " column " << c << " is outside";
         }
     }
 }

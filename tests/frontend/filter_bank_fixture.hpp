@@ -16,7 +16,7 @@
 #include "oracle/filter_bank.hpp"
 #include "support/guarded.hpp"
 #include "support/random.hpp"
-#include "support/ulp.hpp"
+#include "support/vectors.hpp"
 
 namespace lyr::test {
 
@@ -88,23 +88,13 @@ struct Owned
     State& operator*() const { return *bank; }
 };
 
-inline ::testing::AssertionResult sameWeight(float actual, float expected)
-{
-    return sameBits(actual, expected);
-}
-inline ::testing::AssertionResult sameWeight(std::int32_t actual, std::int32_t expected)
-{
-    return actual == expected ? ::testing::AssertionSuccess()
-                              : ::testing::AssertionFailure() << actual << " is not " << expected;
-}
-
 // One side of a filter as stored: the run that is told, and zeros behind it to the end of the row.
 template <class Weight>
 void expectRow(const Weight* row, const std::vector<Weight>& expected, std::size_t length, const std::string& name)
 {
     for (std::size_t j = 0; j < length; ++j) {
         const Weight want = j < expected.size() ? expected[j] : Weight{0};
-        ASSERT_TRUE(sameWeight(row[j], want)) << name << " element " << j;
+        ASSERT_TRUE(exactly(row[j], want)) << name << " element " << j;
     }
 }
 

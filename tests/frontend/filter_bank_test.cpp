@@ -457,9 +457,9 @@ TYPED_TEST(FilterBank, LowAuroraBank)
         expectFields(*bank, 2, 128, 0, 25, 2595.0F, 700.0F);
         for (int r = 0; r < 27; ++r) {
             for (int j = 0; j < 65; ++j) {
-                ASSERT_TRUE(lyr::test::sameWeight(bank->pCoefLeft[r][j], owned->pCoefLeft[r][j]));
+                ASSERT_TRUE(lyr::test::exactly(bank->pCoefLeft[r][j], owned->pCoefLeft[r][j]));
                 if (j < 64) {
-                    ASSERT_TRUE(lyr::test::sameWeight(bank->pCoefRight[r][j], owned->pCoefRight[r][j]));
+                    ASSERT_TRUE(lyr::test::exactly(bank->pCoefRight[r][j], owned->pCoefRight[r][j]));
                 }
             }
         }

@@ -15,6 +15,7 @@
 #include "support/guarded.hpp"
 #include "support/random.hpp"
 #include "support/ulp.hpp"
+#include "support/vectors.hpp"
 
 namespace {
 
@@ -80,12 +81,7 @@ void compareSingle(const SingleMember<S, T>& member)
 {
     SCOPED_TRACE(member.name);
     Random random(7);
-    std::vector<std::size_t> lengths;
-    for (std::size_t n = 1; n <= 70; ++n) {
-        lengths.push_back(n);
-    }
-    lengths.insert(lengths.end(), {127, 128, 129, 1000});
-    for (const std::size_t len : lengths) {
+    for (const std::size_t len : lyr::test::vectorLengths()) {
         const auto x = random.vector<S>(len, -4, 4);
         const auto m = random.vector<S>(len, -4, 4);
         const auto v = random.vector<S>(len, S(0.25), 4);

@@ -14,32 +14,9 @@
 
 #include "support/guarded.hpp"
 #include "support/random.hpp"
-#include "support/ulp.hpp"
+#include "support/vectors.hpp"
 
 namespace lyr::test {
-
-// 1 to 70 and what lies around larger blocks.
-inline std::vector<std::size_t> vectorLengths()
-{
-    std::vector<std::size_t> lengths;
-    for (std::size_t n = 1; n <= 70; ++n) {
-        lengths.push_back(n);
-    }
-    lengths.insert(lengths.end(), {127, 128, 129, 255, 256, 257, 1000});
-    return lengths;
-}
-
-// Offsets from a 16-byte boundary that the type allows, and the one at which `len` elements end at the unmapped page.
-template <class T>
-std::vector<std::size_t> vectorOffsets(std::size_t len)
-{
-    std::vector<std::size_t> offsets;
-    for (std::size_t offset = 0; offset < 16; offset += sizeof(T)) {
-        offsets.push_back(offset);
-    }
-    offsets.push_back(Guarded<T>::flush(len));
-    return offsets;
-}
 
 template <class T>
 std::vector<T> specialValues()
@@ -66,18 +43,6 @@ std::vector<T> withSpecials(Random& random, std::size_t n, T low, T high)
         }
     }
     return v;
-}
-
-template <class T>
-::testing::AssertionResult exactly(T actual, T expected)
-{
-    if constexpr (std::is_floating_point_v<T>) {
-        return sameBits(actual, expected);
-    } else if (actual == expected) {
-        return ::testing::AssertionSuccess();
-    } else {
-        return ::testing::AssertionFailure() << actual << " is not " << expected;
-    }
 }
 
 // What a call on a whole vector is to give: its elements and its status.

@@ -11,13 +11,14 @@
 #include "oracle/vector_fixed.hpp"
 #include "support/guarded.hpp"
 #include "support/random.hpp"
-#include "vector/conversion_cases.hpp"
+#include "support/vectors.hpp"
 
 namespace {
 
 using lyr::test::Guarded;
 using lyr::test::Random;
 using lyr::test::vectorLengths;
+using lyr::test::vectorOffsets;
 
 // ------------------------------------------------------------------------------------------------------------- product
 
@@ -63,7 +64,7 @@ TEST(Mul16s, EveryLengthAndOffset)
     for (const std::size_t len : vectorLengths()) {
         const auto a = random.vector<Elem16s>(len, -32768, 32767);
         const auto b = random.vector<Elem16s>(len, -300, 300);
-        for (const std::size_t offset : lyr::test::offsets<Elem16s>(len)) {
+        for (const std::size_t offset : vectorOffsets<Elem16s>(len)) {
             const Guarded<Elem16s> as(a, offset);
             const Guarded<Elem16s> bs(b, Guarded<Elem16s>::flush(len));
             for (const Elem32s s : {0, 1, 9, 31, -3}) {

@@ -15,13 +15,14 @@
 #include "support/guarded.hpp"
 #include "support/random.hpp"
 #include "support/ulp.hpp"
-#include "vector/conversion_cases.hpp"
+#include "support/vectors.hpp"
 
 namespace {
 
 using lyr::test::Guarded;
 using lyr::test::Random;
 using lyr::test::vectorLengths;
+using lyr::test::vectorOffsets;
 
 constexpr float inf = std::numeric_limits<float>::infinity();
 constexpr float nan = std::numeric_limits<float>::quiet_NaN();
@@ -69,7 +70,7 @@ TEST(Ln32f, EveryLengthAndOffset)
     Random random(11);
     for (const std::size_t len : vectorLengths()) {
         const auto x = random.vector<float>(len, 0.001F, 20.0F);
-        for (const std::size_t offset : lyr::test::offsets<float>(len)) {
+        for (const std::size_t offset : vectorOffsets<float>(len)) {
             const Guarded<float> y(x, offset);
             ASSERT_EQ(lyrsLn_32f_I(y.data(), static_cast<Elem32s>(len)), StsNoErr);
             for (std::size_t i = 0; i < len; ++i) {
@@ -230,7 +231,7 @@ TEST(Ln32s, EveryLengthAndOffsetInBothForms)
         for (Elem32s& v : x) {
             v = values[at++ % values.size()];
         }
-        for (const std::size_t offset : lyr::test::offsets<Elem32s>(len)) {
+        for (const std::size_t offset : vectorOffsets<Elem32s>(len)) {
             for (const Elem32s s : {0, -10}) {
                 std::vector<Elem32s> expected(len);
                 const Guarded<Elem32s> src(x, offset);

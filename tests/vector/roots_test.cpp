@@ -26,6 +26,14 @@ using lyr::test::withSpecials;
 constexpr float inf = std::numeric_limits<float>::infinity();
 constexpr float nan = std::numeric_limits<float>::quiet_NaN();
 
+::testing::AssertionResult withinRelative(float actual, float expected, double most)
+{
+    const double error = std::fabs(double{actual} / double{expected} - 1.0);
+    return error <= most
+               ? ::testing::AssertionSuccess()
+               : ::testing::AssertionFailure() << actual << " for " << expected << ", relative error " << error;
+}
+
 // -------------------------------------------------------------------------------------------------------------- square
 
 TEST(VectorSqrt, MatchesOracle)
@@ -91,10 +99,7 @@ TEST(VectorSqrt, KeepsTheFlags)
     if (std::isnan(actual) || std::isinf(expected) || expected == 0) {
         return sameBits(actual, expected);
     }
-    const double error = std::fabs(double{actual} / double{expected} - 1.0);
-    return error <= 4e-7
-               ? ::testing::AssertionSuccess()
-               : ::testing::AssertionFailure() << actual << " for " << expected << ", relative error " << error;
+    return withinRelative(actual, expected, 4e-7);
 }
 
 template <class T>
@@ -320,10 +325,7 @@ TEST(VectorRecSqrtIntegers, LimitedToTheRange)
     if (std::isnan(actual) || std::isinf(expected) || std::fabs(expected) < std::numeric_limits<float>::min()) {
         return sameBits(actual, expected);
     }
-    const double error = std::fabs(double{actual} / double{expected} - 1.0);
-    return error <= 3.3e-7
-               ? ::testing::AssertionSuccess()
-               : ::testing::AssertionFailure() << actual << " for " << expected << ", relative error " << error;
+    return withinRelative(actual, expected, 3.3e-7);
 }
 
 TEST(VectorReciprocal, MatchesOracle)

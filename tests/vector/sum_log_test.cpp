@@ -11,12 +11,14 @@
 
 #include "support/guarded.hpp"
 #include "support/random.hpp"
-#include "vector/conversion_cases.hpp"
+#include "support/vectors.hpp"
 
 namespace {
 
 using lyr::test::Guarded;
 using lyr::test::Random;
+using lyr::test::vectorLengths;
+using lyr::test::vectorOffsets;
 
 Status sumLn(const float* x, std::size_t len, float* sum)
 {
@@ -69,14 +71,14 @@ TYPED_TEST(SumLn, EveryLengthAndOffset)
 {
     using T = TypeParam;
     Random random(31);
-    auto lengths = lyr::test::vectorLengths();
+    auto lengths = vectorLengths();
     lengths.insert(lengths.end(), {1023, 1024, 1025, 1536, 5000});
     for (const std::size_t len : lengths) {
         std::vector<T> x(len);
         for (T& v : x) {
             v = random.uniform(T(0.5), T(2)) * std::ldexp(T(1), random.uniform(-20, 20));
         }
-        for (const std::size_t offset : lyr::test::offsets<T>(len)) {
+        for (const std::size_t offset : vectorOffsets<T>(len)) {
             TestFixture::compare(x, offset);
         }
     }

@@ -12,13 +12,14 @@
 #include "oracle/vector_sum.hpp"
 #include "support/guarded.hpp"
 #include "support/random.hpp"
-#include "vector/conversion_cases.hpp"
+#include "support/vectors.hpp"
 
 namespace {
 
 using lyr::test::Guarded;
 using lyr::test::Random;
 using lyr::test::vectorLengths;
+using lyr::test::vectorOffsets;
 
 // A sum of `terms` roundings in any order stays within terms * u of the sum of magnitudes, u being half a unit (Higham,
 // Accuracy and Stability of Numerical Algorithms, 2002, section 4.2).
@@ -46,7 +47,7 @@ TEST(Sum32f, AccurateFollowsItsEightSums)
         for (float& v : x) {
             v = random.uniform(-1.0F, 1.0F) * std::ldexp(1.0F, random.uniform(-30, 30));
         }
-        for (const std::size_t offset : lyr::test::offsets<float>(len)) {
+        for (const std::size_t offset : vectorOffsets<float>(len)) {
             const Guarded<float> src(x, offset);
             for (const Elem32s hint : {0, 2, -1, INT32_MIN}) {
                 ASSERT_EQ(sum32f(src.data(), len, hint), lyr::oracle::accurateSum(x.data(), len)) << len;
@@ -94,7 +95,7 @@ TEST(Sum32f, FastIsWithinTheBoundOfItsOrder)
         // At 128 bits a lane of four accumulators takes in every 16th element, then four roundings join them and one
         // makes a single.
         const double bound = sumBound<float>(len / 16 + 6, exact.magnitude);
-        for (const std::size_t offset : lyr::test::offsets<float>(len)) {
+        for (const std::size_t offset : vectorOffsets<float>(len)) {
             const Guarded<float> src(x, offset);
             ASSERT_NEAR(static_cast<double>(sum32f(src.data(), len, 1)), static_cast<double>(exact.value), bound)
                 << len;
@@ -200,14 +201,14 @@ TEST(SumFixed, EveryLengthAndOffset)
         const auto x32 = random.vector<Elem32s>(len, INT32_MIN, INT32_MAX);
         const Elem64s exact16 = lyr::oracle::integerSum(x16.data(), len);
         const Elem64s exact32 = lyr::oracle::integerSum(x32.data(), len);
-        for (const std::size_t offset : lyr::test::offsets<Elem16s>(len)) {
+        for (const std::size_t offset : vectorOffsets<Elem16s>(len)) {
             const Guarded<Elem16s> src(x16, offset);
             Elem32s sum = -1;
             ASSERT_EQ(lyrsSum_16s32s_Sfs(src.data(), static_cast<Elem32s>(len), &sum, 0), StsNoErr);
             ASSERT_EQ(sum, exact16) << len;
             ASSERT_TRUE(src.intact());
         }
-        for (const std::size_t offset : lyr::test::offsets<Elem32s>(len)) {
+        for (const std::size_t offset : vectorOffsets<Elem32s>(len)) {
             const Guarded<Elem32s> src(x32, offset);
             Elem32s sum = -1;
             ASSERT_EQ(lyrsSum_32s_Sfs(src.data(), static_cast<Elem32s>(len), &sum, 10), StsNoErr);
@@ -295,7 +296,7 @@ void compareDot(Call call)
         const auto exact = lyr::oracle::dot(a.data(), b.data(), len);
         // Each product and each sum rounds once.
         const double bound = sumBound<R>(len + 1, exact.magnitude);
-        for (const std::size_t offset : lyr::test::offsets<T>(len)) {
+        for (const std::size_t offset : vectorOffsets<T>(len)) {
             for (const std::size_t other : {offset, std::size_t{0}, Guarded<T>::flush(len)}) {
                 const Guarded<T> as(a, offset);
                 const Guarded<T> bs(b, other);
@@ -360,7 +361,7 @@ TEST(DotProd, SixteenBitsAreExact)
             for (std::size_t i = 0; i < len; ++i) {
                 exact += Elem64s{a[i]} * b[i];
             }
-            for (const std::size_t offset : lyr::test::offsets<Elem16s>(len)) {
+            for (const std::size_t offset : vectorOffsets<Elem16s>(len)) {
                 const Guarded<Elem16s> as(a, offset);
                 const Guarded<Elem16s> bs(b, Guarded<Elem16s>::flush(len));
                 Elem64s whole = -1;
