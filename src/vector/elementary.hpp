@@ -1,7 +1,8 @@
-// Exponential and sine of whole vectors, within two units in the last place. Polynomials interpolate at the Chebyshev
-// nodes of the reduced range, the coefficients rounded to the type; reductions subtract a constant in parts short
-// enough that their products with the multiple are exact (Cody and Waite, Software Manual for the Elementary Functions,
-// 1980).
+// Exponential and sine of whole vectors, within two units in the last place of the exact value as rounded. A quotient
+// of the sine adds one of its own: sin(x) / x in double precision is within three. Polynomials interpolate at the
+// Chebyshev nodes of the reduced range, the coefficients rounded to the type; reductions subtract a constant in parts
+// short enough that their products with the multiple are exact (Cody and Waite, Software Manual for the Elementary
+// Functions, 1980).
 #pragma once
 
 #include "frame/simd.hpp"
