@@ -82,6 +82,10 @@ BlockMatrix<T>* allocateMatrix(const Elem32s* blockSizes, Elem32s numBlocks) noe
         // that callers account for.
         rowBytes += row * row;
     }
+    // The record counts rows, and with them blocks, in 16 bits.
+    if (numRows > UINT16_MAX) {
+        return nullptr;
+    }
     const auto count = static_cast<std::size_t>(numBlocks < 0 ? 0 : numBlocks);
     const std::uint64_t bytes = alignUp(count * sizeof(Elem32s), matrixUnit) + rowBytes +
                                 (numRows * word + matrixUnit - 1) / matrixUnit * matrixUnit + 31;

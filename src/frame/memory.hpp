@@ -81,7 +81,8 @@ struct BlockMatrix
     std::uint16_t numRows;
 };
 
-// The record with its rows laid out and not filled; null for a block size below 1 or exhausted memory.
+// The record with its rows laid out and not filled; null for a block size below 1, for more rows than the record can
+// count, or for exhausted memory.
 BlockMatrix<Elem16s>* allocMatrix_16s(const Elem32s* blockSizes, Elem32s numBlocks) noexcept;
 BlockMatrix<Elem32f>* allocMatrix_32f(const Elem32s* blockSizes, Elem32s numBlocks) noexcept;
 BlockMatrix<Elem64f>* allocMatrix_64f(const Elem32s* blockSizes, Elem32s numBlocks) noexcept;

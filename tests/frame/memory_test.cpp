@@ -238,6 +238,7 @@ void checkMatrices(lyr::BlockMatrix<T>* (*allocate)(const Elem32s*, Elem32s) noe
          std::vector<std::vector<Elem32s>>{{1}, {3, 2}, {1, 1, 1, 1, 1}, {8}, {9, 16, 17}, {13, 13, 13}, {4, 1, 100}}) {
         checkMatrix(allocate, sizes);
     }
+    checkMatrix(allocate, std::vector<Elem32s>(65535, 1)); // as many rows as the record can count
     const long calls = allocationCount();
     const std::array<Elem32s, 3> zero{3, 0, 2};
     EXPECT_EQ(allocate(zero.data(), 3), nullptr);
@@ -246,6 +247,11 @@ void checkMatrices(lyr::BlockMatrix<T>* (*allocate)(const Elem32s*, Elem32s) noe
     EXPECT_EQ(allocate(zero.data(), 0), nullptr);
     const std::array<Elem32s, 1> huge{INT32_MAX};
     EXPECT_EQ(allocate(huge.data(), 1), nullptr);
+    // One row more than 16 bits count: a block a row, and in fewer blocks.
+    const std::vector<Elem32s> ones(65536, 1);
+    EXPECT_EQ(allocate(ones.data(), 65536), nullptr);
+    const std::vector<Elem32s> pairs(32768, 2);
+    EXPECT_EQ(allocate(pairs.data(), 32768), nullptr);
     EXPECT_EQ(allocationCount(), calls);
     failAllocationsAfter(0);
     const auto* const none = allocate(zero.data(), 1);
