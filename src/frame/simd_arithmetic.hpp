@@ -9,199 +9,55 @@ namespace lyr::LYR_NS {
 
 // a * b + c and c - a * b: fused where the processor has it. For sums whose order and roundings are free, and only
 // there.
+LYR_INLINE F32 mulAdd(F32 a, F32 b, F32 c)
+{
 #if LYR_WIDTH == 128
-LYR_INLINE F32 mulAdd(F32 a, F32 b, F32 c)
-{
     return a * b + c;
-}
-LYR_INLINE F64 mulAdd(F64 a, F64 b, F64 c)
-{
-    return a * b + c;
-}
-LYR_INLINE F32 mulSub(F32 a, F32 b, F32 c)
-{
-    return c - a * b;
-}
-LYR_INLINE F64 mulSub(F64 a, F64 b, F64 c)
-{
-    return c - a * b;
-}
-LYR_INLINE F32 min(F32 a, F32 b)
-{
-    return _mm_min_ps(a, b);
-}
-LYR_INLINE F32 max(F32 a, F32 b)
-{
-    return _mm_max_ps(a, b);
-}
-LYR_INLINE F64 min(F64 a, F64 b)
-{
-    return _mm_min_pd(a, b);
-}
-LYR_INLINE F64 max(F64 a, F64 b)
-{
-    return _mm_max_pd(a, b);
-}
-LYR_INLINE F32 sqrt(F32 a)
-{
-    return _mm_sqrt_ps(a);
-}
-LYR_INLINE F64 sqrt(F64 a)
-{
-    return _mm_sqrt_pd(a);
-}
-// To 32-bit integers in the rounding mode in force; out of range gives -2^31.
-LYR_INLINE I32 toInt(F32 a)
-{
-    return as<I32>(_mm_cvtps_epi32(a));
-}
-LYR_INLINE I32 truncateToInt(F32 a)
-{
-    return as<I32>(_mm_cvttps_epi32(a));
-}
-LYR_INLINE F32 toFloat(I32 a)
-{
-    return _mm_cvtepi32_ps(as<__m128i>(a));
-}
-// One bit for each lane's sign.
-LYR_INLINE unsigned signBits(F32 a)
-{
-    return static_cast<unsigned>(_mm_movemask_ps(a));
-}
-LYR_INLINE unsigned signBits(F64 a)
-{
-    return static_cast<unsigned>(_mm_movemask_pd(a));
-}
-#elif LYR_WIDTH == 256
-LYR_INLINE F32 mulAdd(F32 a, F32 b, F32 c)
-{
-    return _mm256_fmadd_ps(a, b, c);
-}
-LYR_INLINE F64 mulAdd(F64 a, F64 b, F64 c)
-{
-    return _mm256_fmadd_pd(a, b, c);
-}
-LYR_INLINE F32 mulSub(F32 a, F32 b, F32 c)
-{
-    return _mm256_fnmadd_ps(a, b, c);
-}
-LYR_INLINE F64 mulSub(F64 a, F64 b, F64 c)
-{
-    return _mm256_fnmadd_pd(a, b, c);
-}
-LYR_INLINE F32 min(F32 a, F32 b)
-{
-    return _mm256_min_ps(a, b);
-}
-LYR_INLINE F32 max(F32 a, F32 b)
-{
-    return _mm256_max_ps(a, b);
-}
-LYR_INLINE F64 min(F64 a, F64 b)
-{
-    return _mm256_min_pd(a, b);
-}
-LYR_INLINE F64 max(F64 a, F64 b)
-{
-    return _mm256_max_pd(a, b);
-}
-LYR_INLINE F32 sqrt(F32 a)
-{
-    return _mm256_sqrt_ps(a);
-}
-LYR_INLINE F64 sqrt(F64 a)
-{
-    return _mm256_sqrt_pd(a);
-}
-LYR_INLINE I32 toInt(F32 a)
-{
-    return as<I32>(_mm256_cvtps_epi32(a));
-}
-LYR_INLINE I32 truncateToInt(F32 a)
-{
-    return as<I32>(_mm256_cvttps_epi32(a));
-}
-LYR_INLINE F32 toFloat(I32 a)
-{
-    return _mm256_cvtepi32_ps(as<__m256i>(a));
-}
-LYR_INLINE unsigned signBits(F32 a)
-{
-    return static_cast<unsigned>(_mm256_movemask_ps(a));
-}
-LYR_INLINE unsigned signBits(F64 a)
-{
-    return static_cast<unsigned>(_mm256_movemask_pd(a));
-}
 #else
-LYR_INLINE F32 mulAdd(F32 a, F32 b, F32 c)
-{
-    return _mm512_fmadd_ps(a, b, c);
+    return LYR_SIMD(fmadd_ps)(a, b, c);
+#endif
 }
 LYR_INLINE F64 mulAdd(F64 a, F64 b, F64 c)
 {
-    return _mm512_fmadd_pd(a, b, c);
+#if LYR_WIDTH == 128
+    return a * b + c;
+#else
+    return LYR_SIMD(fmadd_pd)(a, b, c);
+#endif
 }
 LYR_INLINE F32 mulSub(F32 a, F32 b, F32 c)
 {
-    return _mm512_fnmadd_ps(a, b, c);
+#if LYR_WIDTH == 128
+    return c - a * b;
+#else
+    return LYR_SIMD(fnmadd_ps)(a, b, c);
+#endif
 }
 LYR_INLINE F64 mulSub(F64 a, F64 b, F64 c)
 {
-    return _mm512_fnmadd_pd(a, b, c);
+#if LYR_WIDTH == 128
+    return c - a * b;
+#else
+    return LYR_SIMD(fnmadd_pd)(a, b, c);
+#endif
 }
+
 LYR_INLINE F32 min(F32 a, F32 b)
 {
-    return _mm512_min_ps(a, b);
+    return LYR_SIMD(min_ps)(a, b);
 }
 LYR_INLINE F32 max(F32 a, F32 b)
 {
-    return _mm512_max_ps(a, b);
+    return LYR_SIMD(max_ps)(a, b);
 }
 LYR_INLINE F64 min(F64 a, F64 b)
 {
-    return _mm512_min_pd(a, b);
+    return LYR_SIMD(min_pd)(a, b);
 }
 LYR_INLINE F64 max(F64 a, F64 b)
 {
-    return _mm512_max_pd(a, b);
+    return LYR_SIMD(max_pd)(a, b);
 }
-LYR_INLINE F32 sqrt(F32 a)
-{
-    return _mm512_sqrt_ps(a);
-}
-LYR_INLINE F64 sqrt(F64 a)
-{
-    return _mm512_sqrt_pd(a);
-}
-LYR_INLINE I32 toInt(F32 a)
-{
-    return as<I32>(_mm512_cvtps_epi32(a));
-}
-LYR_INLINE I32 truncateToInt(F32 a)
-{
-    return as<I32>(_mm512_cvttps_epi32(a));
-}
-LYR_INLINE F32 toFloat(I32 a)
-{
-    return _mm512_cvtepi32_ps(as<__m512i>(a));
-}
-LYR_INLINE unsigned signBits(F32 a)
-{
-    return _mm512_movepi32_mask(_mm512_castps_si512(a));
-}
-LYR_INLINE unsigned signBits(F64 a)
-{
-    return _mm512_movepi64_mask(_mm512_castpd_si512(a));
-}
-#endif
-
-// Likewise, limited to 32 bits; NaN gives 2^31 - 1.
-LYR_INLINE I32 toIntLimited(F32 a)
-{
-    return a < splat(0x1p31F) ? toInt(a) : splat(std::int32_t{INT32_MAX});
-}
-
 LYR_INLINE I32 min(I32 a, I32 b)
 {
     return a < b ? a : b;
@@ -209,6 +65,53 @@ LYR_INLINE I32 min(I32 a, I32 b)
 LYR_INLINE I32 max(I32 a, I32 b)
 {
     return a > b ? a : b;
+}
+
+LYR_INLINE F32 sqrt(F32 a)
+{
+    return LYR_SIMD(sqrt_ps)(a);
+}
+LYR_INLINE F64 sqrt(F64 a)
+{
+    return LYR_SIMD(sqrt_pd)(a);
+}
+
+// To 32-bit integers in the rounding mode in force; out of range gives -2^31.
+LYR_INLINE I32 toInt(F32 a)
+{
+    return as<I32>(LYR_SIMD(cvtps_epi32)(a));
+}
+LYR_INLINE I32 truncateToInt(F32 a)
+{
+    return as<I32>(LYR_SIMD(cvttps_epi32)(a));
+}
+LYR_INLINE F32 toFloat(I32 a)
+{
+    return LYR_SIMD(cvtepi32_ps)(as<detail::Register>(a));
+}
+
+// One bit for each lane's sign.
+LYR_INLINE unsigned signBits(F32 a)
+{
+#if LYR_WIDTH == 512
+    return _mm512_movepi32_mask(_mm512_castps_si512(a));
+#else
+    return static_cast<unsigned>(LYR_SIMD(movemask_ps)(a));
+#endif
+}
+LYR_INLINE unsigned signBits(F64 a)
+{
+#if LYR_WIDTH == 512
+    return _mm512_movepi64_mask(_mm512_castpd_si512(a));
+#else
+    return static_cast<unsigned>(LYR_SIMD(movemask_pd)(a));
+#endif
+}
+
+// As toInt, limited to 32 bits; NaN gives 2^31 - 1.
+LYR_INLINE I32 toIntLimited(F32 a)
+{
+    return a < splat(0x1p31F) ? toInt(a) : splat(std::int32_t{INT32_MAX});
 }
 
 LYR_INLINE F32 abs(F32 a)
@@ -235,23 +138,14 @@ LYR_INLINE bool all(I64 mask)
 }
 
 // Estimates with 12 bits, the same at every width: refined or not, a function promises what these and its formula give.
-#if LYR_WIDTH == 128
+#if LYR_WIDTH != 512
 LYR_INLINE F32 reciprocalEstimate(F32 a)
 {
-    return _mm_rcp_ps(a);
+    return LYR_SIMD(rcp_ps)(a);
 }
 LYR_INLINE F32 reciprocalRootEstimate(F32 a)
 {
-    return _mm_rsqrt_ps(a);
-}
-#elif LYR_WIDTH == 256
-LYR_INLINE F32 reciprocalEstimate(F32 a)
-{
-    return _mm256_rcp_ps(a);
-}
-LYR_INLINE F32 reciprocalRootEstimate(F32 a)
-{
-    return _mm256_rsqrt_ps(a);
+    return LYR_SIMD(rsqrt_ps)(a);
 }
 #else
 LYR_INLINE F32 reciprocalEstimate(F32 a)

@@ -14,19 +14,6 @@ struct Wide
     I32 high;
 };
 
-namespace detail {
-#if LYR_WIDTH == 128
-#define LYR_SIMD(NAME) _mm_##NAME
-using Register = __m128i;
-#elif LYR_WIDTH == 256
-#define LYR_SIMD(NAME) _mm256_##NAME
-using Register = __m256i;
-#else
-#define LYR_SIMD(NAME) _mm512_##NAME
-using Register = __m512i;
-#endif
-} // namespace detail
-
 LYR_INLINE I16 addSaturating(I16 a, I16 b)
 {
     return as<I16>(LYR_SIMD(adds_epi16)(as<detail::Register>(a), as<detail::Register>(b)));

@@ -68,20 +68,25 @@ LYR_INLINE __m128 sumEach(F32 a, F32 b, F32 c, F32 d)
 // what it brings together, costs less than separate sums.
 namespace detail {
 // Neighbouring lanes of 32 or 64 bits of two vectors, inside each 128 bits.
-#if LYR_WIDTH == 128
 LYR_INLINE F32 addPairs(F32 a, F32 b)
 {
-    return _mm_add_ps(_mm_unpacklo_ps(a, b), _mm_unpackhi_ps(a, b));
-}
-LYR_INLINE F32 addHalves(F32 a, F32 b)
-{
-    return _mm_add_ps(_mm_movelh_ps(a, b), _mm_movehl_ps(b, a));
+    return LYR_SIMD(add_ps)(LYR_SIMD(unpacklo_ps)(a, b), LYR_SIMD(unpackhi_ps)(a, b));
 }
 LYR_INLINE F64 addPairs(F64 a, F64 b)
 {
-    return _mm_add_pd(_mm_unpacklo_pd(a, b), _mm_unpackhi_pd(a, b));
+    return LYR_SIMD(add_pd)(LYR_SIMD(unpacklo_pd)(a, b), LYR_SIMD(unpackhi_pd)(a, b));
 }
+LYR_INLINE F32 addHalves(F32 a, F32 b)
+{
+#if LYR_WIDTH == 128
+    return _mm_add_ps(_mm_movelh_ps(a, b), _mm_movehl_ps(b, a));
+#else
+    return LYR_SIMD(add_ps)(LYR_SIMD(shuffle_ps)(a, b, 0x44), LYR_SIMD(shuffle_ps)(a, b, 0xEE));
+#endif
+}
+
 // The vectors k, k + stride, ... of v as one vector with 128 bits for each.
+#if LYR_WIDTH == 128
 LYR_INLINE F32 gather128(const F32* v, int /*stride*/)
 {
     return v[0];
@@ -91,18 +96,6 @@ LYR_INLINE F64 gather128(const F64* v, int /*stride*/)
     return v[0];
 }
 #elif LYR_WIDTH == 256
-LYR_INLINE F32 addPairs(F32 a, F32 b)
-{
-    return _mm256_add_ps(_mm256_unpacklo_ps(a, b), _mm256_unpackhi_ps(a, b));
-}
-LYR_INLINE F32 addHalves(F32 a, F32 b)
-{
-    return _mm256_add_ps(_mm256_shuffle_ps(a, b, 0x44), _mm256_shuffle_ps(a, b, 0xEE));
-}
-LYR_INLINE F64 addPairs(F64 a, F64 b)
-{
-    return _mm256_add_pd(_mm256_unpacklo_pd(a, b), _mm256_unpackhi_pd(a, b));
-}
 LYR_INLINE F32 gather128(const F32* v, int stride)
 {
     return _mm256_add_ps(_mm256_permute2f128_ps(v[0], v[stride], 0x20), _mm256_permute2f128_ps(v[0], v[stride], 0x31));
@@ -112,18 +105,6 @@ LYR_INLINE F64 gather128(const F64* v, int stride)
     return _mm256_add_pd(_mm256_permute2f128_pd(v[0], v[stride], 0x20), _mm256_permute2f128_pd(v[0], v[stride], 0x31));
 }
 #else
-LYR_INLINE F32 addPairs(F32 a, F32 b)
-{
-    return _mm512_add_ps(_mm512_unpacklo_ps(a, b), _mm512_unpackhi_ps(a, b));
-}
-LYR_INLINE F32 addHalves(F32 a, F32 b)
-{
-    return _mm512_add_ps(_mm512_shuffle_ps(a, b, 0x44), _mm512_shuffle_ps(a, b, 0xEE));
-}
-LYR_INLINE F64 addPairs(F64 a, F64 b)
-{
-    return _mm512_add_pd(_mm512_unpacklo_pd(a, b), _mm512_unpackhi_pd(a, b));
-}
 LYR_INLINE F32 gather128(const F32* v, int stride)
 {
     const F32 low =

@@ -69,6 +69,21 @@ struct Aligned
 using Aligned = Unaligned; // 16 bytes say nothing about a wider load, and the two kernels of a pair become one
 #endif
 
+// The processor's functions, whose names differ between the widths in their beginning alone, and its register of
+// integers.
+namespace detail {
+#if LYR_WIDTH == 128
+#define LYR_SIMD(NAME) _mm_##NAME
+using Register = __m128i;
+#elif LYR_WIDTH == 256
+#define LYR_SIMD(NAME) _mm256_##NAME
+using Register = __m256i;
+#else
+#define LYR_SIMD(NAME) _mm512_##NAME
+using Register = __m512i;
+#endif
+} // namespace detail
+
 // Same bits, another type of the same size.
 template <class To, class From>
 LYR_INLINE To as(From v)
@@ -79,57 +94,21 @@ LYR_INLINE To as(From v)
 
 // --------------------------------------------------------------------------------------------------------------- splat
 
-#if LYR_WIDTH == 128
 LYR_INLINE F32 splat(float x)
 {
-    return _mm_set1_ps(x);
+    return LYR_SIMD(set1_ps)(x);
 }
 LYR_INLINE F64 splat(double x)
 {
-    return _mm_set1_pd(x);
+    return LYR_SIMD(set1_pd)(x);
 }
 LYR_INLINE I32 splat(std::int32_t x)
 {
-    return as<I32>(_mm_set1_epi32(x));
+    return as<I32>(LYR_SIMD(set1_epi32)(x));
 }
 LYR_INLINE I16 splat(std::int16_t x)
 {
-    return as<I16>(_mm_set1_epi16(x));
+    return as<I16>(LYR_SIMD(set1_epi16)(x));
 }
-#elif LYR_WIDTH == 256
-LYR_INLINE F32 splat(float x)
-{
-    return _mm256_set1_ps(x);
-}
-LYR_INLINE F64 splat(double x)
-{
-    return _mm256_set1_pd(x);
-}
-LYR_INLINE I32 splat(std::int32_t x)
-{
-    return as<I32>(_mm256_set1_epi32(x));
-}
-LYR_INLINE I16 splat(std::int16_t x)
-{
-    return as<I16>(_mm256_set1_epi16(x));
-}
-#else
-LYR_INLINE F32 splat(float x)
-{
-    return _mm512_set1_ps(x);
-}
-LYR_INLINE F64 splat(double x)
-{
-    return _mm512_set1_pd(x);
-}
-LYR_INLINE I32 splat(std::int32_t x)
-{
-    return as<I32>(_mm512_set1_epi32(x));
-}
-LYR_INLINE I16 splat(std::int16_t x)
-{
-    return as<I16>(_mm512_set1_epi16(x));
-}
-#endif
 
 } // namespace lyr::LYR_NS
