@@ -174,9 +174,9 @@ struct ShortRows
     }
 };
 
-template <class T, int N, class Rows, class Weights, class Finish>
+template <class T, int N, class Rows, class Weights, class Finish, class Between>
 LYR_INLINE void scoreShortRows(Rows rows, const T* shared, Weights weights, Elem32s width, Elem32s height,
-                               Finish finish)
+                               Finish finish, Between between)
 {
     using V = VectorOf<T>;
     constexpr int L = lanes<V>;
@@ -188,6 +188,7 @@ LYR_INLINE void scoreShortRows(Rows rows, const T* shared, Weights weights, Elem
             for (int j = 0; j < rowsAtOnce; ++j) {
                 sums[k + j] = shortRows.laneSums(rows, weights, r + k + j);
             }
+            between();
         }
         finish(r, sumEach(sums));
     }
@@ -196,22 +197,29 @@ LYR_INLINE void scoreShortRows(Rows rows, const T* shared, Weights weights, Elem
     }
 }
 
+struct NothingBetween
+{
+    LYR_INLINE void operator()() const {}
+};
+
 // The score of every row: finish(r, distances) takes those of rows from r on, a whole register of them while there are
-// as many rows and one at a time at the end.
-template <class A, class T, class Rows, class S, class Weights, class Finish>
-LYR_INLINE void scoreRows(Rows rows, const S* shared, Weights weights, Elem32s width, Elem32s height, Finish finish)
+// as many rows and one at a time at the end. between() is called after every four rows: a place for work that waits for
+// itself and leaves the arithmetic units free.
+template <class A, class T, class Rows, class S, class Weights, class Finish, class Between = NothingBetween>
+LYR_INLINE void scoreRows(Rows rows, const S* shared, Weights weights, Elem32s width, Elem32s height, Finish finish,
+                          Between between = {})
 {
     using V = VectorOf<T>;
     constexpr int L = lanes<V>;
     if constexpr (LYR_WIDTH > 128) { // whose masked loads take a whole register as well
         if (width <= L) {
-            return scoreShortRows<T, 1>(rows, shared, weights, width, height, finish);
+            return scoreShortRows<T, 1>(rows, shared, weights, width, height, finish, between);
         }
         if (width <= 2 * L) {
-            return scoreShortRows<T, 2>(rows, shared, weights, width, height, finish);
+            return scoreShortRows<T, 2>(rows, shared, weights, width, height, finish, between);
         }
         if (width <= 3 * L) {
-            return scoreShortRows<T, 3>(rows, shared, weights, width, height, finish);
+            return scoreShortRows<T, 3>(rows, shared, weights, width, height, finish, between);
         }
     }
     constexpr int group = L > rowsAtOnce ? L : rowsAtOnce;
@@ -220,6 +228,7 @@ LYR_INLINE void scoreRows(Rows rows, const S* shared, Weights weights, Elem32s w
         V sums[group];
         for (int k = 0; k < group; k += rowsAtOnce) {
             rowSums<A, T, rowsAtOnce>(sums + k, rows, r + k, shared, weights, width);
+            between();
         }
         for (int k = 0; k < group; k += L) {
             finish(r + k, sumEach(sums + k));

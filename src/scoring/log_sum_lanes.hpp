@@ -5,49 +5,66 @@
 
 namespace lyr::LYR_NS {
 
-// Elements from `i` on, one at a time. All lanes hold the same, so that a step whose smaller operand is ignored costs
-// no polynomial.
-template <class V, class T, class LogAdd>
-LYR_INLINE T logSumSerial(T total, const T* x, Elem32s i, Elem32s len, LogAdd logAdd)
+// Which element is added to which: four accumulators in single precision and two in double, whatever the width of the
+// registers. The order is part of the result.
+template <class T>
+struct SumOrder;
+
+template <>
+struct SumOrder<Elem32f>
 {
-    V sum = total - V{};
+    using Lanes = Quad;
+    static constexpr Elem32s lanes = 4;
+    static constexpr Elem32s fewest = 8; // elements that are worth accumulators
+
+    static LYR_INLINE Quad load(const Elem32f* x) { return _mm_loadu_ps(x); }
+    static LYR_INLINE Quad withFirst(Elem32f first, Quad x) { return _mm_move_ss(x, _mm_set_ss(first)); }
+    static LYR_INLINE Quad logAdd(Quad a, Quad b) { return logAddSingle(a, b); }
+    static LYR_INLINE Elem32f fold(Quad sum)
+    {
+        sum = logAdd(sum, _mm_movehl_ps(sum, sum));
+        return logAdd(sum, _mm_shuffle_ps(sum, sum, 1))[0];
+    }
+};
+
+template <>
+struct SumOrder<Elem64f>
+{
+    using Lanes = Pair;
+    static constexpr Elem32s lanes = 2;
+    static constexpr Elem32s fewest = 5;
+
+    static LYR_INLINE Pair load(const Elem64f* x) { return _mm_loadu_pd(x); }
+    static LYR_INLINE Pair withFirst(Elem64f first, Pair x) { return _mm_move_sd(x, _mm_set_sd(first)); }
+    static LYR_INLINE Pair logAdd(Pair a, Pair b) { return logAddDouble(a, b); }
+    static LYR_INLINE Elem64f fold(Pair sum) { return logAdd(sum, _mm_unpackhi_pd(sum, sum))[0]; }
+};
+
+// One more element. All lanes hold the same, so that a step whose smaller operand is ignored costs no polynomial.
+template <class T>
+LYR_INLINE T logAddOne(T total, T x)
+{
+    using Lanes = typename SumOrder<T>::Lanes;
+    return SumOrder<T>::logAdd(total - Lanes{}, x - Lanes{})[0];
+}
+
+template <class T>
+LYR_INLINE T logSum(const T* x, Elem32s len)
+{
+    using Order = SumOrder<T>;
+    T total = x[0];
+    Elem32s i = 1;
+    if (len >= Order::fewest) {
+        auto sum = Order::load(x);
+        for (i = Order::lanes; i + Order::lanes <= len; i += Order::lanes) {
+            sum = Order::logAdd(sum, Order::load(x + i));
+        }
+        total = Order::fold(sum);
+    }
     for (; i < len; ++i) {
-        sum = logAdd(sum, x[i] - V{});
+        total = logAddOne(total, x[i]);
     }
-    return sum[0];
-}
-
-// From 8 elements on four accumulators, whatever the width of the registers: the order is part of the result.
-LYR_INLINE Elem32f logSum(const Elem32f* x, Elem32s len)
-{
-    constexpr auto logAdd = [](Quad a, Quad b) LYR_INLINE_LAMBDA { return logAddSingle(a, b); };
-    if (len < 8) {
-        return logSumSerial<Quad>(x[0], x, 1, len, logAdd);
-    }
-    Quad sum = _mm_loadu_ps(x);
-    Elem32s i = 4;
-    for (; i + 4 <= len; i += 4) {
-        sum = logAdd(sum, _mm_loadu_ps(x + i));
-    }
-    sum = logAdd(sum, _mm_movehl_ps(sum, sum));
-    sum = logAdd(sum, _mm_shuffle_ps(sum, sum, 1));
-    return logSumSerial<Quad>(sum[0], x, i, len, logAdd);
-}
-
-// From 5 elements on two accumulators.
-LYR_INLINE Elem64f logSum(const Elem64f* x, Elem32s len)
-{
-    constexpr auto logAdd = [](Pair a, Pair b) LYR_INLINE_LAMBDA { return logAddDouble(a, b); };
-    if (len < 5) {
-        return logSumSerial<Pair>(x[0], x, 1, len, logAdd);
-    }
-    Pair sum = _mm_loadu_pd(x);
-    Elem32s i = 2;
-    for (; i + 2 <= len; i += 2) {
-        sum = logAdd(sum, _mm_loadu_pd(x + i));
-    }
-    sum = logAdd(sum, _mm_unpackhi_pd(sum, sum));
-    return logSumSerial<Pair>(sum[0], x, i, len, logAdd);
+    return total;
 }
 
 } // namespace lyr::LYR_NS

@@ -1,7 +1,7 @@
 #include "scoring/mixture_kernels.hpp"
 
 #include "scoring/gauss_rows.hpp"
-#include "scoring/log_sum_lanes.hpp"
+#include "scoring/mixture_sum.hpp"
 
 namespace lyr::LYR_NS {
 namespace {
@@ -26,32 +26,17 @@ void best(Rows means, Weights vars, const T* x, Elem32s width, const T* gconst, 
                     });
 }
 
-// Scores go in blocks of 100 through a buffer on the stack, so that no size of mixture costs an allocation. What a
-// block comes down to stands in the slot ahead of the next one and is summed with it, in the order of lyrsLogSum_*: a
-// chain that is part of the result. A mixture of one Gaussian gets its score as it is.
+// A mixture of one Gaussian gets its score as it is.
 template <class A, class Rows, class Weights, class T>
 T mixture(Rows means, Weights vars, const T* x, Elem32s width, const T* gconst, Elem32s height)
 {
-    // The block is aligned, the slot the element ahead of it.
-    constexpr int slot = lanes<VectorOf<T>> - 1;
-    alignas(64) T slotAndBlock[slot + 1 + blockHeight];
-    T* const block = slotAndBlock + slot + 1;
-    T total{};
-    for (Elem32s first = 0; first < height;) {
-        const Elem32s n = height - first < blockHeight ? height - first : blockHeight;
-        scoreRows<A, T>(means.from(first), x, vars.from(first), width, n,
-                        [block, constants = gconst + first]<class D>(std::ptrdiff_t g, D distances) LYR_INLINE_LAMBDA {
-                            put(block + g, Doubled<T, D>{get<D>(constants + g)}.score(distances));
-                        });
-        if (first == 0) {
-            total = logSum(block, n);
-        } else {
-            slotAndBlock[slot] = total;
-            total = logSum(slotAndBlock + slot, n + 1);
-        }
-        first += n;
-    }
-    return total;
+    MixtureSum<T> sum(height);
+    scoreRows<A, T>(
+        means, x, vars, width, height,
+        [&sum, gconst]<class D>(std::ptrdiff_t g, D distances)
+            LYR_INLINE_LAMBDA { sum.add(g, Doubled<T, D>{get<D>(gconst + g)}.score(distances)); },
+        [&sum]() LYR_INLINE_LAMBDA { sum.advance(); });
+    return sum.result();
 }
 
 template <class Rows, class T = ElementOf<Rows>>
