@@ -7,6 +7,9 @@
 #include "frame/simd.hpp"
 #include "scoring/log_add_tables.hpp"
 
+#include <bit>
+#include <type_traits>
+
 namespace lyr::LYR_NS {
 
 using Quad = float __attribute__((vector_size(16)));
@@ -52,6 +55,42 @@ LYR_INLINE bool allBelow(V a, V b)
     }
 }
 
+#if LYR_WIDTH == 128
+// A number for each interval, as two masked bit patterns pick it: what tells near and middle from far, and far.
+template <class T>
+struct alignas(16) ByInterval
+{
+    using Bits = std::conditional_t<sizeof(T) == 4, std::int32_t, std::int64_t>;
+    static constexpr std::size_t lanes = 16 / sizeof(T);
+
+    Bits nearOrFar[lanes];
+    Bits middleOrFar[lanes];
+    Bits far[lanes];
+
+    constexpr ByInterval() : nearOrFar{}, middleOrFar{}, far{} {}
+    constexpr ByInterval(Elem64f ofNear, Elem64f ofMiddle, Elem64f ofFar) : ByInterval()
+    {
+        const Bits bits = std::bit_cast<Bits>(static_cast<T>(ofFar));
+        for (std::size_t i = 0; i < lanes; ++i) {
+            nearOrFar[i] = std::bit_cast<Bits>(static_cast<T>(ofNear)) ^ bits;
+            middleOrFar[i] = std::bit_cast<Bits>(static_cast<T>(ofMiddle)) ^ bits;
+            far[i] = bits;
+        }
+    }
+};
+
+// Each lane's number; `interval` holds 0, 1 or 2 in each lane.
+template <class V, class I, class T>
+LYR_INLINE V choose(const ByInterval<T>& c, I interval)
+{
+    const auto load = [](const auto* bits) { return as<I>(_mm_load_si128(reinterpret_cast<const __m128i*>(bits))); };
+    I32 i = as<I32>(interval);
+    if constexpr (sizeof(T) == 8) { // SSE2 compares 32 bits at most
+        i = as<I32>(interval | interval << 32);
+    }
+    return as<V>(load(c.far) ^ (as<I>(i == 0) & load(c.nearOrFar)) ^ (as<I>(i == 1) & load(c.middleOrFar)));
+}
+#else
 // A number for each interval, over and over, as one permutation wants it in memory: near, middle, far and one unused.
 template <class T>
 struct alignas(64) ByInterval
@@ -73,9 +112,6 @@ struct alignas(64) ByInterval
 template <class V, class I, class T>
 LYR_INLINE V choose(const ByInterval<T>& c, I interval)
 {
-#if LYR_WIDTH == 128
-    return interval == 0 ? c.of[0] - V{} : (interval == 1 ? c.of[1] - V{} : c.of[2] - V{});
-#else
     if constexpr (__is_same(V, Quad)) {
         return _mm_permutevar_ps(_mm_load_ps(c.of), as<__m128i>(interval));
 #if LYR_WIDTH == 512
@@ -98,8 +134,8 @@ LYR_INLINE V choose(const ByInterval<T>& c, I interval)
             return _mm256_castps_pd(_mm256_permutevar8x32_ps(singles, as<__m256i>(halves)));
         }
     }
-#endif
 }
+#endif
 
 // The coefficients of the powers from the highest down, by interval.
 template <class T, int N>
@@ -125,13 +161,22 @@ constexpr CoefficientRows<Elem32f, 11> singleRows{LogAddCoeff1_F, LogAddCoeff2_F
 constexpr CoefficientRows<Elem64f, 11> accurateRows{LogAddCoeff1_F, LogAddCoeff2_F, LogAddCoeff3_F};
 constexpr CoefficientRows<Elem64f, 22> doubleRows{LogAddCoeff1, LogAddCoeff2, LogAddCoeff3};
 
+// A step is done before the next one's coefficients are chosen. Left to itself the compiler chooses all of them first,
+// and spills what the registers do not hold.
+template <class V>
+LYR_INLINE V inOrder(V v)
+{
+    asm("" : "+v"(v));
+    return v;
+}
+
 // p(t) by Horner's rule.
 template <class V, class I, class T, int N>
 LYR_INLINE V horner(const CoefficientRows<T, N>& rows, I interval, V t)
 {
     V p = choose<V>(rows.power[0], interval);
     for (int i = 1; i < N; ++i) {
-        p = p * t + choose<V>(rows.power[i], interval);
+        p = inOrder(p * t + choose<V>(rows.power[i], interval));
     }
     return p;
 }
@@ -145,7 +190,7 @@ LYR_INLINE V evenOdd(const CoefficientRows<T, N>& rows, I interval, V t)
     V second = choose<V>(rows.power[1], interval);
     for (int i = 2; i < N; ++i) {
         V& p = i % 2 == 0 ? first : second;
-        p = p * square + choose<V>(rows.power[i], interval);
+        p = inOrder(p * square + choose<V>(rows.power[i], interval));
     }
     // The constant term is in the one that comes last.
     return N % 2 == 0 ? first * t + second : second * t + first;

@@ -53,7 +53,7 @@ LYR_INLINE T logSum(const T* x, Elem32s len)
 {
     using Order = SumOrder<T>;
     T total = x[0];
-    Elem32s i = 1;
+    std::ptrdiff_t i = 1;
     if (len >= Order::fewest) {
         auto sum = Order::load(x);
         for (i = Order::lanes; i + Order::lanes <= len; i += Order::lanes) {

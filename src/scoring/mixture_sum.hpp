@@ -17,20 +17,20 @@ class MixtureSum
 {
     using Order = SumOrder<T>;
     static constexpr Elem32s L = Order::lanes;
-    static constexpr Elem32s capacity = 128; // a power of two
-    static constexpr Elem32s ahead = 48;     // scores made and not yet summed, from which on the chain goes first
+    static constexpr std::ptrdiff_t capacity = 128; // a power of two
+    static constexpr std::ptrdiff_t ahead = 48; // scores made and not yet summed, from which on the chain goes first
 
     // A ring of scores. Its first ones stand behind its last once more, to be read across the end.
     alignas(64) T ring[capacity + lanes<VectorOf<T>>];
-    Elem32s height;
-    Elem32s made = 0;
-    Elem32s summed = 0;
-    Elem32s blockEnd = 0;
+    std::ptrdiff_t height;
+    std::ptrdiff_t made = 0;
+    std::ptrdiff_t summed = 0;
+    std::ptrdiff_t blockEnd = 0;
     bool inLanes = false; // the block has its accumulators
     typename Order::Lanes sum{};
     T total{};
 
-    LYR_INLINE const T* at(Elem32s g) const { return ring + g % capacity; }
+    LYR_INLINE const T* at(std::ptrdiff_t g) const { return ring + (g & (capacity - 1)); }
 
     // The block's accumulators, if it is worth them; the total so far is its first element, except in the first block.
     LYR_INLINE void beginBlock()
@@ -44,7 +44,7 @@ class MixtureSum
             }
             return;
         }
-        const Elem32s firstOnes = isFirst ? L : L - 1;
+        const std::ptrdiff_t firstOnes = isFirst ? L : L - 1;
         if (made >= summed + firstOnes) {
             sum = isFirst ? Order::load(ring) : Order::withFirst(total, Order::load(at(summed - 1)));
             summed += firstOnes;
@@ -61,18 +61,21 @@ class MixtureSum
     }
 
 public:
-    LYR_INLINE explicit MixtureSum(Elem32s gaussians) : height(gaussians) {}
+    LYR_INLINE explicit MixtureSum(Elem32s gaussians) : height(gaussians)
+    {
+        ring[0] = T{}; // the compiler does not see that a score comes before it is read
+    }
 
     // The scores of the Gaussians from g on, a register of them or one.
     template <class D>
     LYR_INLINE void add(std::ptrdiff_t g, D scores)
     {
-        const std::ptrdiff_t place = g % capacity;
+        const std::ptrdiff_t place = g & (capacity - 1);
         put(ring + place, scores);
         if (place < L) {
             put(ring + capacity + place, scores);
         }
-        made = static_cast<Elem32s>(g + static_cast<std::ptrdiff_t>(sizeof(D) / sizeof(T)));
+        made = g + static_cast<std::ptrdiff_t>(sizeof(D) / sizeof(T));
         while (made - summed > ahead) {
             advance();
         }
