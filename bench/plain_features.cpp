@@ -1,6 +1,7 @@
 #include "plain_features.hpp"
 
 #include <algorithm>
+#include <cmath>
 
 namespace plain {
 
@@ -41,6 +42,46 @@ void deltaDelta(const float* frames, float* rows, int width, int height, float g
     }
     differences(rows, rows + width, width, height, step, gain);
     differences(rows + width, rows + 2 * width, width, height, step, gain2);
+}
+
+void magnitudes(const float* pairs, float* y, int n)
+{
+    for (int i = 0; i < n; ++i) {
+        y[i] = std::sqrt(pairs[2 * i] * pairs[2 * i] + pairs[2 * i + 1] * pairs[2 * i + 1]);
+    }
+}
+
+namespace {
+
+template <class T>
+void meansVariances(const float* rows, int height, int width, float* mean, float* var, T* sums)
+{
+    std::fill_n(sums, 2 * width, T{});
+    for (int r = 0; r < height; ++r) {
+        const float* const row = rows + static_cast<long>(r) * width;
+        for (int c = 0; c < width; ++c) {
+            const T x = row[c];
+            sums[c] += x;
+            sums[width + c] += x * x;
+        }
+    }
+    for (int c = 0; c < width; ++c) {
+        const T average = sums[c] / static_cast<T>(height);
+        mean[c] = static_cast<float>(average);
+        var[c] = static_cast<float>(sums[width + c] / static_cast<T>(height) - average * average);
+    }
+}
+
+} // namespace
+
+void columnMeansVariances(const float* rows, int height, int width, float* mean, float* var, float* sums)
+{
+    meansVariances(rows, height, width, mean, var, sums);
+}
+
+void columnMeansVariances(const float* rows, int height, int width, float* mean, float* var, double* sums)
+{
+    meansVariances(rows, height, width, mean, var, sums);
 }
 
 } // namespace plain
