@@ -22,6 +22,7 @@ struct FBankState_32f
     Elem32f melMul;
     Elem32f melDiv;
     Elem8u ready;
+    Elem8u inOrder; // areInOrder of the centres, in a gap of the record
     FFTSpec_R_32f* pFFTSpec;
     Elem32f* pWork;
     Elem8u* pFFTBuffer; // work memory of the transform, so that an evaluation allocates nothing
@@ -40,6 +41,7 @@ struct FBankState_16s
     Elem32f melMul;
     Elem32f melDiv;
     Elem8u ready;
+    Elem8u inOrder; // areInOrder of the centres, in a gap of the record
     FFTSpec_R_16s32s* pFFTSpec;
     Elem32s* pWork;
     Elem32s scale;
@@ -105,6 +107,10 @@ constexpr Status bankFlag(Elem32s flag)
 }
 
 } // namespace check
+
+// All centres lie in the spectrum up to bin `top`, none below the one before. That is not so if a caller has set the
+// last but one to what it likes, or if a frequency was no number.
+bool areInOrder(const Elem32s* centers, Elem32s nFilter, Elem32s top) noexcept;
 
 // ------------------------------------------------------------------------------------------------------- fixed banks
 

@@ -121,6 +121,7 @@ void buildLowBank(State& bank, const EdgeScratch& scratch) noexcept
     std::memmove(bank.pCenters + 1, bank.pCenters,
                  (static_cast<std::size_t>(bank.nFilter) + 2) * sizeof *bank.pCenters);
     bank.pCenters[0] = 0;
+    setReady(bank);
 }
 
 // Nothing is normalised here and no centre shifted, unlike in the low band.

@@ -24,7 +24,8 @@ template <class State>
 auto view(const State& bank)
 {
     using Weight = std::remove_reference_t<decltype(**bank.pCoefLeft)>;
-    return lyr::BankView<Weight>{bank.pCenters, bank.pCoefLeft, bank.pCoefRight, bank.nFilter, bank.fftLen / 2};
+    return lyr::BankView<Weight>{bank.pCenters, bank.pCoefLeft,  bank.pCoefRight,
+                                 bank.nFilter,  bank.fftLen / 2, bank.inOrder != 0};
 }
 
 template <class State>
@@ -99,10 +100,12 @@ Status lyrsEvalFBank_16s32s_Sfs(const Elem16s* pSrc, Elem32s* pDst, const FBankS
 Status lyrsEvalFBank_32s_Sfs(const Elem32s* pSrc, Elem32s* pDst, const FBankState_32s* pFBank, Elem32s scaleFactor)
 {
     LYR_CHECK(pointers(pSrc, pDst, pFBank), require(scaleFactor >= -31 && scaleFactor <= 31, StsBadArg));
-    const lyr::BankView<Elem32s> bank{pFBank->pCenters, pFBank->pCoefLeft, pFBank->pCoefRight, pFBank->nFilter,
-                                      pFBank->nBins - 1};
-    if (bank.nFilter >= 1) {
-        kernels.from32sTo32s(bank, pSrc, pDst, scaleFactor);
+    const Elem32s filters = pFBank->nFilter;
+    const Elem32s top = pFBank->nBins - 1;
+    if (filters >= 1) {
+        kernels.from32sTo32s({pFBank->pCenters, pFBank->pCoefLeft, pFBank->pCoefRight, filters, top,
+                              lyr::areInOrder(pFBank->pCenters, filters, top)},
+                             pSrc, pDst, scaleFactor);
     }
     return StsNoErr;
 }

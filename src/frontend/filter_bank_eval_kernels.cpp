@@ -228,22 +228,6 @@ private:
     Sum started{};
 };
 
-// All centres lie in the spectrum, none below the one before. That is not so if a caller has set the last but one to
-// what it likes, or if a frequency was no number.
-LYR_INLINE bool areOrdered(const Elem32s* centers, Elem32s nFilter, Elem32s top)
-{
-    constexpr int L = lanes<I32>;
-    I32 falls = I32{centers[0]} < I32{};
-    std::ptrdiff_t i = 0;
-    for (; i + L <= nFilter + 1; i += L) {
-        falls |= load<Unaligned>(centers + i) > load<Unaligned>(centers + i + 1);
-    }
-    if (const int rest = static_cast<int>(nFilter + 1 - i); rest != 0) {
-        falls |= loadTail<Unaligned>(centers + i, rest) > loadTail<Unaligned>(centers + i + 1, rest);
-    }
-    return !any(falls) && centers[nFilter + 1] <= top;
-}
-
 // Any centres: the sum of each filter over the bins of the spectrum, as far as the rows go.
 template <class Term, class Weight, class Emit>
 __attribute__((noinline, cold)) void sumClipped(const BankView<Weight>& bank, Term term, Emit emit)
@@ -265,7 +249,7 @@ __attribute__((noinline, cold)) void sumClipped(const BankView<Weight>& bank, Te
 
 void evaluateSingles(const BankView<Elem32f>& bank, const Elem32f* src, Elem32f* dst)
 {
-    if (!areOrdered(bank.centers, bank.nFilter, bank.top)) [[unlikely]] {
+    if (!bank.inOrder) [[unlikely]] {
         sumClipped(
             bank, [src](Elem32f weight, std::ptrdiff_t k) { return weight * src[k]; },
             [dst](Elem32s f, Elem32f sum) { dst[f] = sum; });
@@ -329,7 +313,7 @@ void evaluateIntegers(const BankView<Elem32s>& bank, const S* src, D* dst, Elem3
             finish(dst[f], sum, shift);
         }
     };
-    if (!areOrdered(bank.centers, bank.nFilter, bank.top)) [[unlikely]] {
+    if (!bank.inOrder) [[unlikely]] {
         sumClipped(
             bank, [src](Elem32s weight, std::ptrdiff_t k) { return Product::one(weight, src[k]); },
             [emit](Elem32s f, unsigned long long sum) { emit(f, static_cast<Elem64s>(sum)); });

@@ -15,7 +15,8 @@ struct BankView
     const Weight* const* left;
     const Weight* const* right;
     Elem32s nFilter;
-    Elem32s top; // the last bin of the spectrum
+    Elem32s top;  // the last bin of the spectrum
+    bool inOrder; // areInOrder of the centres
 };
 
 // dst[i-1] = sum over k from centre i-1 to i of left[i-1][k - centre i-1] * src[k]

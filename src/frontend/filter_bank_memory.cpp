@@ -7,6 +7,11 @@
 #include <cstddef>
 
 namespace lyr {
+
+bool areInOrder(const Elem32s* centers, Elem32s nFilter, Elem32s top) noexcept
+{
+    return centers[0] >= 0 && std::is_sorted(centers, centers + nFilter + 2) && centers[nFilter + 1] <= top;
+}
 namespace {
 
 constexpr Elem32s transformFlag = 8; // not normalised either way

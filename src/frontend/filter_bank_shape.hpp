@@ -117,6 +117,7 @@ template <class State>
 void setReady(State& bank) noexcept
 {
     bank.pCenters[bank.nFilter + 2] = bank.pCenters[bank.nFilter + 1];
+    bank.inOrder = areInOrder(bank.pCenters, bank.nFilter, bank.fftLen / 2) ? 1 : 0;
     bank.ready = 1;
 }
 
