@@ -757,8 +757,10 @@ LYRSR_API Status lyrsLogSum_16s_Sfs(const Elem16s* pSrc, Elem16s* pResult, Elem3
  * The precision of every step is that of the type; `32f64f` forms widen each element to double before the subtraction.
  * In single precision, and in `lyrsLogGauss_64f_D2L` and `lyrsLogGauss_IdVar_64f_D2L`, the constant enters as 2 *
  * gconst, halved with the sum at the end, so that more than half of the largest finite value acts as an infinity. Sums
- * run in any order; for widths 1 to 3 of `lyrsLogGauss_32f_D2`, `lyrsLogGauss_32f_D2L` and `lyrsLogGauss_IdVar_32f_D2`
- * the products are subtracted from 2 * gconst one by one.
+ * run in any order, with two exceptions. `lyrsLogGaussSingle_32f64f` and `lyrsLogGaussSingle_DirectVar_32f64f` add the
+ * terms, every step rounded, in the order of the elements: the same bits on every processor. For widths 1 to 3 of
+ * `lyrsLogGauss_32f_D2`, `lyrsLogGauss_32f_D2L` and `lyrsLogGauss_IdVar_32f_D2` the products are subtracted from
+ * 2 * gconst one by one.
  * @{
  */
 

@@ -8,6 +8,11 @@ namespace {
 struct Weighted
 {
     template <class V>
+    static LYR_INLINE V term(V d, V v)
+    {
+        return d * d * v;
+    }
+    template <class V>
     static LYR_INLINE V add(V sum, V d, V v)
     {
         return addWeighted(sum, d, v);
@@ -27,9 +32,14 @@ struct Unit
 struct Divided
 {
     template <class V>
+    static LYR_INLINE V term(V d, V v)
+    {
+        return d * d / v;
+    }
+    template <class V>
     static LYR_INLINE V add(V sum, V d, V v)
     {
-        return sum + d * d / v;
+        return sum + term(d, v);
     }
 };
 
@@ -78,10 +88,28 @@ T distance_NA(const T* x, const T* mean, const T* var, Elem32s len)
     return distance<Unaligned, T, T, Weight>(x, mean, var, len);
 }
 
-template <class Weight>
-Elem64f widenedDistance(const Elem32f* x, const Elem32f* mean, const Elem32f* var, Elem32s len)
+Elem64f widenedUnitDistance(const Elem32f* x, const Elem32f* mean, const Elem32f* var, Elem32s len)
 {
-    return distance<Unaligned, Elem64f, Elem32f, Weight>(x, mean, var, len);
+    return distance<Unaligned, Elem64f, Elem32f, Unit>(x, mean, var, len);
+}
+
+// Terms come by the vector, but go one by one to a single accumulator: their order is part of the result.
+template <class Weight>
+Elem64f orderedDistance(const Elem32f* x, const Elem32f* mean, const Elem32f* var, Elem32s len)
+{
+    constexpr int L = lanes<F64>;
+    Elem64f total = 0;
+    std::ptrdiff_t i = 0;
+    for (; i + L <= len; i += L) {
+        const F64 terms = Weight::term(loadWide(x + i) - loadWide(mean + i), loadWide(var + i));
+        for (int k = 0; k < L; ++k) {
+            total += terms[k];
+        }
+    }
+    for (; i < len; ++i) {
+        total += Weight::term(Elem64f{x[i]} - Elem64f{mean[i]}, Elem64f{var[i]});
+    }
+    return total;
 }
 
 template <class T, class Weight>
@@ -114,9 +142,9 @@ const LogGaussKernels logGaussKernels{
     .weighted64f = distances<Elem64f, Weighted>,
     .unit64f = distances<Elem64f, Unit>,
     .divided64f = distances<Elem64f, Divided>,
-    .weighted32f64f = widenedDistance<Weighted>,
-    .unit32f64f = widenedDistance<Unit>,
-    .divided32f64f = widenedDistance<Divided>,
+    .weighted32f64f = orderedDistance<Weighted>,
+    .unit32f64f = widenedUnitDistance,
+    .divided32f64f = orderedDistance<Divided>,
     .frames32f = allFrames<Elem32f, Doubled<Elem32f>, Doubled<Elem32f>>,
     .frames64f = allFrames<Elem64f, Plain<Elem64f>, Doubled<Elem64f>>,
 };

@@ -33,7 +33,8 @@ struct LogGaussKernels
     Twins<DistanceKernel<Elem64f>> weighted64f;
     Twins<DistanceKernel<Elem64f>> unit64f;
     Twins<DistanceKernel<Elem64f>> divided64f;
-    // Singles widened to double have one kernel for every alignment.
+    // Singles widened to double have one kernel for every alignment. With weights they add up in the order of the
+    // elements.
     DistanceKernel<Elem64f, Elem32f>* weighted32f64f;
     DistanceKernel<Elem64f, Elem32f>* unit32f64f;
     DistanceKernel<Elem64f, Elem32f>* divided32f64f;

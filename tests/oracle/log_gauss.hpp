@@ -70,4 +70,18 @@ inline float narrowScore(const float* x, const float* mean, const float* var, st
     return t * 0.5F;
 }
 
+// The weighted forms that widen singles to double: one accumulator, the order of the elements, each step rounded.
+inline double orderedScore(const float* x, const float* mean, const float* var, std::size_t len, Weight weight,
+                           double gconst)
+{
+    volatile double sum = 0;
+    for (std::size_t i = 0; i < len; ++i) {
+        volatile double d = static_cast<double>(x[i]) - static_cast<double>(mean[i]);
+        volatile double term = d * d;
+        term = weight == Weight::Variance ? term / static_cast<double>(var[i]) : term * static_cast<double>(var[i]);
+        sum = sum + term;
+    }
+    return gconst - 0.5 * sum;
+}
+
 } // namespace lyr::oracle

@@ -131,6 +131,34 @@ TEST(LogGaussSingle, EveryLengthAndAlignment)
     forEachSingleMember([](const auto& member) { compareSingle(member); });
 }
 
+// The sum of these two goes through one accumulator in the order of the elements, on purpose: the same bits at every
+// length, alignment and width.
+TEST(LogGaussSingle, WidenedTermsAreAddedInOrder)
+{
+    Random random(41);
+    for (const auto* const member : {&widened[0], &widened[2]}) {
+        SCOPED_TRACE(member->name);
+        for (std::size_t len = 1; len <= 70; ++len) {
+            const auto x = random.vector<float>(len, -4, 4);
+            const auto m = random.vector<float>(len, -4, 4);
+            auto v = random.vector<float>(len, 0.25F, 4);
+            v[random.uniform<std::size_t>(0, len - 1)] *= -1e-3F;
+            const auto gconst = random.uniform<double>(-50, 50);
+            const double expected =
+                lyr::oracle::orderedScore(x.data(), m.data(), v.data(), len, member->weight, gconst);
+            for (const Offsets& at : places<float>(len, len)) {
+                const Guarded<float> xs(x, at.frame);
+                const Guarded<float> ms(m, at.mean);
+                const Guarded<float> vs(v, at.var);
+                double result = -1;
+                ASSERT_EQ((*member)(xs.data(), ms.data(), vs.data(), static_cast<Elem32s>(len), &result, gconst),
+                          StsNoErr);
+                ASSERT_EQ(result, expected) << "len " << len << " offset " << at.frame;
+            }
+        }
+    }
+}
+
 // The lanes of a masked tail add nothing, whatever stands behind the vectors: here NaN.
 TEST(LogGaussSingle, BytesBehindTheVectorsDoNotCount)
 {
