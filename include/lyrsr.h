@@ -17,8 +17,9 @@
  *  - `_I` works in place on `pSrcDst`. Other sources and destinations may not overlap.
  *  - `Sfs`: the integer result is the exact result times 2^(-scaleFactor), rounded to nearest with ties to even and
  * then saturated. Saturation is no warning.
- *  - Data aligned to 16 bytes with strides that keep it so takes faster kernels. Alignment may change the last bits of
- * a floating-point result, never more.
+ *  - Data aligned to 16 bytes with strides that keep it so takes faster kernels. Alignment and the processor's vector
+ * width may change the last bits of a floating-point result, and whether a sum overflows whose terms have both signs
+ * and magnitudes near the top of the range.
  */
 #ifndef LYRSR_H
 #define LYRSR_H
@@ -751,8 +752,9 @@ LYRSR_API Status lyrsLogSum_16s_Sfs(const Elem16s* pSrc, Elem16s* pResult, Elem3
  *     score = gconst - 1/2 * sum over i of (x[i] - mean[i])^2 * var[i]
  *
  * where `var` holds inverse variances (Rabiner and Juang, Fundamentals of Speech Recognition, 1993, section 6.6).
- * `IdVar` forms have no `var` and weigh every element with one; `DirectVar` forms take variances and divide. Non-finite
- * input gives a non-finite score and no status.
+ * `IdVar` forms have no `var` and weigh every element with one; `DirectVar` forms take variances and divide. An inverse
+ * variance of zero takes its element out of the sum, a negative one raises the score. Non-finite input gives a
+ * non-finite score and no status, save that in `DirectVar` forms an infinite variance weighs its element with zero.
  *
  * The precision of every step is that of the type; `32f64f` forms widen each element to double before the subtraction.
  * In single precision, and in `lyrsLogGauss_64f_D2L` and `lyrsLogGauss_IdVar_64f_D2L`, the constant enters as 2 *
@@ -775,7 +777,9 @@ LYRSR_API Status lyrsLogSum_16s_Sfs(const Elem16s* pSrc, Elem16s* pResult, Elem3
  * @return #StsNoErr, #StsNullPtr, #StsSize.
  *         For a zero variance `lyrsLogGaussSingle_DirectVar_32f` returns #StsWarnOverflow and writes an infinity or
  * NaN, `lyrsLogGaussSingle_DirectVar_32f64f` returns #StsWarnOverflow and writes nothing, and
- * `lyrsLogGaussSingle_DirectVar_64f` returns #StsNoErr and writes an infinity or NaN.
+ * `lyrsLogGaussSingle_DirectVar_64f` returns #StsNoErr and writes an infinity or NaN. In
+ * `lyrsLogGaussSingle_DirectVar_32f` a subnormal variance of at most 2^-128, whose reciprocal is infinite, acts like a
+ * zero one, without the warning.
  * `lyrsLogGaussSingle_DirectVar_32f` allocates, and may return #StsMemAlloc.
  * @{
  */
@@ -1510,8 +1514,8 @@ LYRSR_API Status lyrsCopyColumn_Indirect_16s_D2L(const Elem16s* const* mSrc, Ele
 
 /**
  * @name Mean
- * mean[c] = (sum over r of x[r][c]) * (1 / height), in single precision. The 16-bit forms round to nearest and allocate
- * work memory.
+ * mean[c] = (sum over r of x[r][c]) * (1 / height), in single precision; in the `32f` forms the reciprocal is a double
+ * rounded to single. The 16-bit forms round to nearest and allocate work memory.
  * @param pSrc     `height` rows in one block
  * @param mSrc     table of `height` pointers to rows
  * @param height   number of rows, at least 1
@@ -1531,8 +1535,9 @@ LYRSR_API Status lyrsMeanColumn_16s_D2L(const Elem16s* const* mSrc, Elem32s heig
 
 /**
  * @name Variance about a given mean
- * var[c] = (sum over r of x[r][c]^2 - height * mean[c]^2) * (1 / (height - 1)) in single precision, with the mean as it
- * is given: with another than the true one this is no sum of squared deviations. The `Sfs` forms allocate work memory.
+ * var[c] = (sum over r of x[r][c]^2 - height * mean[c]^2) * (1 / (height - 1)) in single precision, the reciprocal as
+ * for the mean, with the mean as it is given: with another than the true one this is no sum of squared deviations. The
+ * `Sfs` forms allocate work memory.
  * @param pSrc        `height` rows in one block
  * @param mSrc        table of `height` pointers to rows
  * @param height      number of rows, at least 2
@@ -1540,7 +1545,7 @@ LYRSR_API Status lyrsMeanColumn_16s_D2L(const Elem16s* const* mSrc, Elem32s heig
  * @param pSrcMean    `width` means
  * @param pDstVar     receives `width` variances
  * @param width       number of columns, at least 1
- * @param scaleFactor the variance is multiplied by 2^(-scaleFactor)
+ * @param scaleFactor the variance is multiplied by 2^(-scaleFactor), an infinity from -128 down, where 0 gives 32767
  * @return #StsNoErr; in this order: #StsStep (`_D2`), #StsNullPtr, #StsSize, #StsMemAlloc (`16s`)
  * @{
  */
@@ -1566,7 +1571,8 @@ LYRSR_API Status lyrsVarColumn_16s_D2LSfs(const Elem16s* const* mSrc, Elem32s he
  * @param pDstMean    receives `width` means, which are never scaled
  * @param pDstVar     receives `width` variances
  * @param width       number of columns, at least 1
- * @param scaleFactor the variance is multiplied by 2^(-scaleFactor)
+ * @param scaleFactor the variance is multiplied by 2^(-scaleFactor), an infinity in `16s` forms from -128 down, where 0
+ * gives 32767, in `16s32s` forms from -1024 down, where 0 gives -2147483648
  * @return #StsNoErr; in this order: #StsNullPtr, #StsSize, #StsStep (`_D2`)
  * @{
  */
@@ -1642,7 +1648,8 @@ LYRSR_API Status lyrsWeightedMeanVarColumn_64f_D2L(const Elem64f* const* mSrc, c
  * @param pDstSum     receives `width` sums (`pSrcDstSum`: is added to)
  * @param pDstSumSq   receives `width` sums of squares (`pSrcDstSumSq`: is added to)
  * @param width       number of columns, at least 1
- * @param scaleFactor the results are multiplied by 2^(-scaleFactor)
+ * @param scaleFactor the results are multiplied by 2^(-scaleFactor), an infinity from -128 down, where 0 gives
+ * -2147483648
  * @return #StsNoErr; in this order: #StsStep, #StsNullPtr, #StsSize
  * @{
  */
