@@ -36,8 +36,8 @@ struct ConvertKernels
     ScaleKernel<Elem16s, Elem32f>* scaled16sTo32f;
     ScaleKernel<Elem32s, Elem32f>* scaled32sTo32f;
     ScaleKernel<Elem16s, Elem64f>* scaled16sTo64f;
-    // Whether the kernels to integers round as told in every mode and raise no flag; otherwise they need the mode set
-    // to nearest around them.
+    // Whether the kernels to integers give their results in every rounding mode and raise no flag; otherwise they need
+    // the mode set to nearest around them.
     bool keepEnvironment;
     ToIntegerKernels<Elem32f, Elem16s> from32fTo16s;
     ToIntegerKernels<Elem32f, Elem32s> from32fTo32s;

@@ -111,7 +111,7 @@ Status lyrsCopy_64f(const Elem64f* pSrc, Elem64f* pDst, Elem32s len)
     return StsNoErr;
 }
 
-// The one copy that is told to allow overlap.
+// The one copy whose vectors may overlap.
 Status lyrsMove_32f(const Elem32f* pSrc, Elem32f* pDst, Elem32s len)
 {
     LYR_CHECK(pointers(pSrc, pDst), sizes(len));
