@@ -13,6 +13,8 @@ namespace {
 
 using lyr::oracle::columnSums;
 using lyr::oracle::Estimate;
+using lyr::oracle::reciprocal;
+using lyr::oracle::roundedReciprocal;
 using lyr::oracle::steppedMean;
 using lyr::oracle::steppedVariance;
 using lyr::oracle::toInteger;
@@ -169,10 +171,11 @@ TEST(MeanVarColumn, SinglesRoundStepByStep)
                 column.push_back(row[c]);
             }
             const auto sums = columnSums(column);
-            const auto expected = steppedMean<float>(sums.sum, height);
+            const auto expected = steppedMean(sums.sum, roundedReciprocal(height));
             EXPECT_TRUE(sameBits(m[c], expected));
             EXPECT_TRUE(sameBits(m1[c], expected));
-            EXPECT_TRUE(sameBits(v[c], steppedVariance<float>(sums.squares, height, expected)));
+            const float factor = roundedReciprocal(height - 1);
+            EXPECT_TRUE(sameBits(v[c], steppedVariance(sums.squares, height, expected, factor)));
             EXPECT_TRUE(sameBits(v1[c], v[c]));
         }
     }
@@ -240,7 +243,7 @@ TEST(MeanColumn, ShortsRoundStepByStep)
             const auto m = results<Elem16s>(shape.width, shape.offset);
             ASSERT_EQ(mean(layout, x, shape, m.data()), StsNoErr);
             for (std::size_t c = 0; c < shape.width; ++c) {
-                const auto expected = steppedMean<float>(columnSums(x.column(c)).sum, shape.height);
+                const auto expected = steppedMean(columnSums(x.column(c)).sum, reciprocal<float>(shape.height));
                 ASSERT_EQ(m[c], toInteger<Elem16s>(expected)) << c;
             }
             ASSERT_TRUE(m.intact());
@@ -262,7 +265,8 @@ TEST(VarColumn, ShortsRoundStepByStep)
             ASSERT_EQ(var(layout, x, shape, m.data(), v.data(), scale), StsNoErr);
             for (std::size_t c = 0; c < shape.width; ++c) {
                 const auto sums = columnSums(x.column(c));
-                const auto expected = steppedVariance<float>(sums.squares, shape.height, static_cast<float>(m[c]));
+                const auto expected = steppedVariance(sums.squares, shape.height, static_cast<float>(m[c]),
+                                                      reciprocal<float>(shape.height - 1));
                 ASSERT_EQ(v[c], toInteger<Elem16s>(expected * power(scale))) << c << " scale " << scale;
             }
             ASSERT_TRUE(v.intact());
@@ -284,10 +288,11 @@ TEST(MeanVarColumn, ShortsRoundStepByStep)
             ASSERT_EQ(meanVar(layout, x, shape, m.data(), v.data(), scale), StsNoErr);
             for (std::size_t c = 0; c < shape.width; ++c) {
                 const auto sums = columnSums(x.column(c));
-                const auto single = steppedMean<float>(sums.sum, shape.height);
+                const auto single = steppedMean(sums.sum, reciprocal<float>(shape.height));
                 ASSERT_EQ(m[c], toInteger<Elem16s>(single)) << c << ", the mean is not scaled";
                 // The mean before its rounding to 16 bits, on purpose.
-                const auto expected = steppedVariance<float>(sums.squares, shape.height, single);
+                const auto expected =
+                    steppedVariance(sums.squares, shape.height, single, reciprocal<float>(shape.height - 1));
                 ASSERT_EQ(v[c], toInteger<Elem16s>(expected * power(scale))) << c << " scale " << scale;
             }
             ASSERT_TRUE(m.intact() && v.intact());
@@ -340,13 +345,14 @@ TEST(MeanVarColumn, ShortsInDoublePrecisionAreExact)
             ASSERT_EQ(meanVar(layout, x, shape, shortMean.data(), plain.data()), StsNoErr);
             for (std::size_t c = 0; c < shape.width; ++c) {
                 const auto sums = columnSums(x.column(c));
-                const auto exact = steppedMean<double>(sums.sum, shape.height);
+                const auto exact = steppedMean(sums.sum, reciprocal<double>(shape.height));
                 ASSERT_EQ(m[c], toInteger<Elem32s>(exact)) << c << ", the mean is not scaled";
                 ASSERT_EQ(shortMean[c], toInteger<Elem16s>(exact)) << c;
-                const auto factor = std::ldexp(1.0, -scale);
-                ASSERT_EQ(v[c], toInteger<Elem32s>(steppedVariance<double>(sums.squares, shape.height, exact, factor)))
+                const auto factor = reciprocal<double>(shape.height - 1);
+                const double scaled = factor * std::ldexp(1.0, -scale);
+                ASSERT_EQ(v[c], toInteger<Elem32s>(steppedVariance(sums.squares, shape.height, exact, scaled)))
                     << c << " scale " << scale;
-                ASSERT_EQ(plain[c], toInteger<Elem32s>(steppedVariance<double>(sums.squares, shape.height, exact)))
+                ASSERT_EQ(plain[c], toInteger<Elem32s>(steppedVariance(sums.squares, shape.height, exact, factor)))
                     << c;
             }
             ASSERT_TRUE(m.intact() && v.intact() && shortMean.intact() && plain.intact());
@@ -393,6 +399,95 @@ TEST(MeanVarColumn, ScaleFactorsBeyondAllMeasure)
         EXPECT_EQ(m, (std::array<Elem32s, 3>{2, 6, 5}));
         EXPECT_EQ(v, (std::array<Elem32s, 3>{0, 0, 0})) << scale;
     }
+}
+
+// The power of two of the 16-bit forms is one of single precision: zero from 150 on, infinite from -128 down, where a
+// variance of zero makes a NaN, which converts to the upper limit.
+TEST(MeanVarColumn, ScaleFactorsOfShortsBeyondAllMeasure)
+{
+    const std::array<Elem16s, 6> x{1, 4, 5, 4, 9, 5}; // the last column is constant
+    const std::array<const Elem16s*, 2> table{x.data(), x.data() + 3};
+    const std::array<Elem16s, 3> given{1, 100, 5}; // the second makes a variance below zero, the third none
+    for (const Elem32s scale :
+         {INT32_MIN, -1025, -150, -129, -128, -127, -101, -100, -99, 40, 41, 127, 139, 141, 149, 150, 151, INT32_MAX}) {
+        SCOPED_TRACE(scale);
+        const std::array<Elem16s, 3> expected =
+            scale > 0 ? std::array<Elem16s, 3>{0, 0, 0}
+                      : std::array<Elem16s, 3>{INT16_MAX, INT16_MAX, scale <= -128 ? Elem16s{INT16_MAX} : Elem16s{0}};
+        const std::array<Elem16s, 3> expectedOfGiven =
+            scale > 0 ? expected : std::array<Elem16s, 3>{INT16_MAX, INT16_MIN, expected[2]};
+        std::array<Elem16s, 3> m{};
+        std::array<Elem16s, 3> v{};
+        ASSERT_EQ(lyrsMeanVarColumn_16s_D2Sfs(x.data(), 2, 3, m.data(), v.data(), 3, scale), StsNoErr);
+        EXPECT_EQ(m, (std::array<Elem16s, 3>{2, 6, 5})); // 2.5 and 6.5
+        EXPECT_EQ(v, expected);
+        v.fill(7);
+        ASSERT_EQ(lyrsMeanVarColumn_16s_D2LSfs(table.data(), 2, m.data(), v.data(), 3, scale), StsNoErr);
+        EXPECT_EQ(m, (std::array<Elem16s, 3>{2, 6, 5}));
+        EXPECT_EQ(v, expected);
+        ASSERT_EQ(lyrsVarColumn_16s_D2Sfs(x.data(), 2, 3, given.data(), v.data(), 3, scale), StsNoErr);
+        EXPECT_EQ(v, expectedOfGiven);
+        v.fill(7);
+        ASSERT_EQ(lyrsVarColumn_16s_D2LSfs(table.data(), 2, given.data(), v.data(), 3, scale), StsNoErr);
+        EXPECT_EQ(v, expectedOfGiven);
+    }
+}
+
+// Beyond 2^24 rows the precision of the reciprocal shows. Of singles it is a double that is rounded: 1 / (2^24 + 3)
+// comes out, where a division in single precision would be one by 2^24 + 4.
+TEST(MeanColumn, ReciprocalOfManySingles)
+{
+    constexpr std::size_t rows = (1U << 24) + 3;
+    constexpr auto height = static_cast<Elem32s>(rows);
+    std::vector<float> x(rows + 1);
+    x[0] = 1.0F;
+    ASSERT_NE(roundedReciprocal(rows), reciprocal<float>(rows));
+    float m = 0;
+    float v = 0;
+    ASSERT_EQ(lyrsMeanColumn_32f_D2(x.data(), height, 1, &m, 1), StsNoErr);
+    EXPECT_EQ(m, roundedReciprocal(rows));
+    m = 0;
+    ASSERT_EQ(lyrsMeanVarColumn_32f_D2(x.data(), height, 1, &m, &v, 1), StsNoErr);
+    EXPECT_EQ(m, roundedReciprocal(rows));
+
+    // One row more: the variance divides by `rows`.
+    const float given = 0;
+    ASSERT_EQ(lyrsVarColumn_32f_D2(x.data(), height + 1, 1, &given, &v, 1), StsNoErr);
+    EXPECT_EQ(v, steppedVariance(1, rows + 1, given, roundedReciprocal(rows)));
+    EXPECT_NE(v, steppedVariance(1, rows + 1, given, reciprocal<float>(rows)));
+    ASSERT_EQ(lyrsMeanVarColumn_32f_D2(x.data(), height + 1, 1, &m, &v, 1), StsNoErr);
+    EXPECT_EQ(m, roundedReciprocal(rows + 1));
+    EXPECT_EQ(v, steppedVariance(1, rows + 1, m, roundedReciprocal(rows)));
+    EXPECT_NE(v, steppedVariance(1, rows + 1, m, reciprocal<float>(rows)));
+}
+
+// Of 16-bit data it is formed in single precision: 1 / (2^24 + 1) is 2^-24 there, and a little less if rounded from a
+// double.
+TEST(MeanColumn, ReciprocalOfManyShorts)
+{
+    constexpr std::size_t rows = (1U << 24) + 1;
+    constexpr auto height = static_cast<Elem32s>(rows);
+    constexpr std::size_t filled = 1536; // 2^14 so often make 1.5 * 2^24
+    std::vector<Elem16s> x(rows + 1);
+    std::fill_n(x.begin(), filled, Elem16s{16384});
+    constexpr long double sum = filled * 16384.0L;
+    ASSERT_EQ(toInteger<Elem16s>(steppedMean(sum, reciprocal<float>(rows))), 2); // 1.5
+    ASSERT_EQ(toInteger<Elem16s>(steppedMean(sum, roundedReciprocal(rows))), 1); // just below
+    Elem16s m = 0;
+    Elem16s v = 0;
+    ASSERT_EQ(lyrsMeanColumn_16s_D2(x.data(), height, 1, &m, 1), StsNoErr);
+    EXPECT_EQ(m, 2);
+    m = 0;
+    ASSERT_EQ(lyrsMeanVarColumn_16s_D2Sfs(x.data(), height, 1, &m, &v, 1, 0), StsNoErr);
+    EXPECT_EQ(m, 2);
+
+    // One row more: squares of 3 * 2^24 by 2^24 + 1, halved by the scale factor.
+    std::fill_n(x.begin(), filled, Elem16s{0});
+    std::fill_n(x.begin(), 3, Elem16s{4096});
+    const Elem16s given = 0;
+    ASSERT_EQ(toInteger<Elem16s>(steppedVariance(0x3p24L, rows + 1, 0.0F, roundedReciprocal(rows)) * 0.5L), 1);
+    ASSERT_EQ(lyrsVarColumn_16s_D2Sfs(x.data(), height + 1, 1, &given, &v, 1, 1), StsNoErr);
+    EXPECT_EQ(v, toInteger<Elem16s>(steppedVariance(0x3p24L, rows + 1, 0.0F, reciprocal<float>(rows)) * 0.5L));
 }
 
 TEST(MeanVarColumn, TheVarianceTakesTheMeanBeforeItsRounding)

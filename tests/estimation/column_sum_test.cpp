@@ -1,6 +1,7 @@
 // Sums of columns for pooling, and the accumulation of single frames.
 
 #include "estimation/feature_rows.hpp"
+#include "oracle/vector_convert.hpp"
 #include "support/ulp.hpp"
 
 #include <array>
@@ -113,6 +114,37 @@ TEST(SumMeanVar, IntegersLoseWhatSinglesLose)
     const std::array<Elem16s, 3> y{4095, 91, 1}; // an odd sum beyond 2^24
     ASSERT_EQ(lyrsSumMeanVar_16s32s_Sfs(y.data(), 1, 3, &sum, &sumSq, 1, 0), StsNoErr);
     EXPECT_EQ(sumSq % 2, 0);
+}
+
+// What the in-place form finds goes through single precision as well: 2^24 + 1 is rounded, and 2^31 - 1 becomes 2^31,
+// which saturates back.
+TEST(SumMeanVar, OldIntegersLoseWhatSinglesLose)
+{
+    constexpr std::array<Elem32s, 9> old{16777217,       16777219, -16777217, INT32_MAX, INT32_MIN,
+                                         INT32_MAX - 63, 33554435, 16777216,  -33554435};
+    for (const Elem32s scale : {0, 1, 4, -1}) {
+        for (const Elem16s element : {Elem16s{0}, Elem16s{3}}) {
+            const std::vector<Elem16s> x(old.size(), element);
+            auto sum = old;
+            auto sumSq = old;
+            ASSERT_EQ(lyrsSumMeanVar_16s32s_ISfs(x.data(), static_cast<Elem32s>(x.size()), 1, sum.data(), sumSq.data(),
+                                                 static_cast<Elem32s>(x.size()), scale),
+                      StsNoErr);
+            for (std::size_t i = 0; i < old.size(); ++i) {
+                const auto expected = [&](float added) {
+                    return lyr::oracle::convert32f32s(static_cast<float>(old[i]) + added, 1, scale);
+                };
+                EXPECT_EQ(sum[i], expected(element)) << old[i] << " scale " << scale;
+                EXPECT_EQ(sumSq[i], expected(static_cast<float>(element * element))) << old[i] << " scale " << scale;
+            }
+        }
+    }
+    const std::array<Elem16s, 3> zeros{};
+    std::array<Elem32s, 3> sum{16777217, INT32_MAX, 16777219};
+    auto sumSq = sum;
+    ASSERT_EQ(lyrsSumMeanVar_16s32s_ISfs(zeros.data(), 3, 1, sum.data(), sumSq.data(), 3, 0), StsNoErr);
+    EXPECT_EQ(sum, (std::array<Elem32s, 3>{16777216, INT32_MAX, 16777220}));
+    EXPECT_EQ(sumSq, sum);
 }
 
 TEST(SumMeanVar, IntegersSaturate)

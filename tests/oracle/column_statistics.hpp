@@ -79,20 +79,33 @@ Estimate weightedVariance(const ColumnSums& s, std::size_t height, long double m
     return {s.squares - mean * mean, rounded<T>(s.squares, s.squareMagnitude + mean * mean, height + 2).error};
 }
 
-// The formulas step by step in precision T, from sums that T holds exactly.
+// One over a number of rows: in precision T, and in double precision rounded to single. They part from 2^24 rows on,
+// where the number itself is no single.
 template <class T>
-T steppedMean(long double sum, std::size_t height)
+T reciprocal(std::size_t n)
 {
-    return static_cast<T>(sum) * (T{1} / static_cast<T>(height));
+    return T{1} / static_cast<T>(n);
+}
+
+inline float roundedReciprocal(std::size_t n)
+{
+    return static_cast<float>(1.0 / static_cast<double>(n));
+}
+
+// The formulas step by step in precision T, from sums that T holds exactly. `factor` is the reciprocal of the height,
+// or of one less.
+template <class T>
+T steppedMean(long double sum, T factor)
+{
+    return static_cast<T>(sum) * factor;
 }
 
 template <class T>
-T steppedVariance(long double squares, std::size_t height, T mean, T scale = T{1})
+T steppedVariance(long double squares, std::size_t height, T mean, T factor)
 {
     const T meanSquare = mean * mean;
     const T product = static_cast<T>(height) * meanSquare;
     const T difference = static_cast<T>(squares) - product;
-    const T factor = (T{1} / static_cast<T>(height - 1)) * scale;
     return difference * factor;
 }
 
