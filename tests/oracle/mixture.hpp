@@ -7,6 +7,7 @@
 #include <limits>
 #include <vector>
 
+#include "oracle/log_domain.hpp"
 #include "oracle/log_gauss.hpp"
 
 namespace lyr::oracle {
@@ -46,6 +47,42 @@ inline long double exactLogSum(const std::vector<long double>& x)
         sum += std::exp(v - largest);
     }
     return largest + std::log(sum);
+}
+
+// The additions of the family, to the bit: of two values, and of a mixture in blocks of 100, the total of each being
+// the first element of the next.
+inline float addLog(float a, float b)
+{
+    return logAddHint(a, b, 0);
+}
+inline double addLog(double a, double b)
+{
+    return logAdd64(a, b);
+}
+
+inline float sumLog(const std::vector<float>& x)
+{
+    return logSum32(x.data(), x.size());
+}
+inline double sumLog(const std::vector<double>& x)
+{
+    return logSum64(x.data(), x.size());
+}
+
+template <class T>
+T mixtureSum(const std::vector<T>& scores)
+{
+    T total = 0;
+    for (std::size_t first = 0; first < scores.size(); first += 100) {
+        std::vector<T> block;
+        if (first != 0) {
+            block.push_back(total);
+        }
+        block.insert(block.end(), scores.begin() + static_cast<std::ptrdiff_t>(first),
+                     scores.begin() + static_cast<std::ptrdiff_t>(std::min(first + 100, scores.size())));
+        total = sumLog(block);
+    }
+    return total;
 }
 
 } // namespace lyr::oracle

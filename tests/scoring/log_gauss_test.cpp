@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "oracle/log_gauss.hpp"
-#include "support/allocation.hpp"
+#include "scoring/whole_numbers.hpp"
 #include "support/guarded.hpp"
 #include "support/random.hpp"
 #include "support/ulp.hpp"
@@ -22,8 +22,9 @@ namespace {
 using lyr::oracle::Weight;
 using lyr::test::Guarded;
 using lyr::test::Random;
-
-constexpr double inf64 = std::numeric_limits<double>::infinity();
+using lyr::test::signedWeight;
+using lyr::test::wholeNumbers;
+using lyr::test::Zeros;
 
 // A score is within this of the exact one: `len` + 4 roundings, each at most half a unit of the sum of the magnitudes
 // that enter (Higham, Accuracy and Stability of Numerical Algorithms, 2002, section 3.1).
@@ -159,6 +160,41 @@ TEST(LogGaussSingle, WidenedTermsAreAddedInOrder)
     }
 }
 
+// Weights of both signs and of zero: whole numbers, so that the score is exact in any order. A negative weight raises
+// it, and a zero one takes the vast difference that it stands at out of the sum.
+template <class S, class T>
+void compareSignedWeights(const SingleMember<S, T>& member)
+{
+    SCOPED_TRACE(member.name);
+    Random random(43);
+    const Zeros zeros = member.weight == Weight::Inverse ? Zeros::Some : Zeros::None;
+    for (std::size_t len = 1; len <= 70; ++len) {
+        auto x = wholeNumbers<S>(random, len);
+        const auto m = wholeNumbers<S>(random, len);
+        std::vector<S> v(len);
+        for (std::size_t i = 0; i < len; ++i) {
+            v[i] = signedWeight<S>(random, zeros);
+            x[i] = v[i] == 0 ? lyr::test::vast<S> : x[i];
+        }
+        const T gconst = wholeNumbers<T>(random, 1)[0];
+        const auto d = lyr::oracle::distance<T>(x.data(), m.data(), v.data(), len, member.weight);
+        for (const Offsets& at : places<S>(len, len)) {
+            const Guarded<S> xs(x, at.frame);
+            const Guarded<S> ms(m, at.mean);
+            const Guarded<S> vs(v, at.var);
+            T result = -1;
+            ASSERT_EQ(member(xs.data(), ms.data(), vs.data(), static_cast<Elem32s>(len), &result, gconst), StsNoErr);
+            ASSERT_EQ(result, static_cast<T>(lyr::oracle::plainScore(gconst, d)))
+                << "len " << len << " offset " << at.frame;
+        }
+    }
+}
+
+TEST(LogGaussSingle, SignedWeights)
+{
+    forEachSingleMember([](const auto& member) { compareSignedWeights(member); });
+}
+
 // The lanes of a masked tail add nothing, whatever stands behind the vectors: here NaN.
 TEST(LogGaussSingle, BytesBehindTheVectorsDoNotCount)
 {
@@ -186,83 +222,6 @@ TEST(LogGaussSingle, OnlySinglePrecisionDoublesTheConstant)
         ASSERT_EQ(member(&x, &x, &x, 1, &result, gconst), StsNoErr);
         EXPECT_EQ(result, member.doubled ? std::numeric_limits<T>::infinity() : gconst) << member.name;
     });
-}
-
-TEST(LogGaussSingle, ZeroInverseVarianceRemovesAnElement)
-{
-    const std::array<float, 2> x{5.0F, 3.0F};
-    const std::array<float, 2> m{1.0F, 1.0F};
-    const std::array<float, 2> v{0.0F, 1.0F};
-    float result = 0;
-    ASSERT_EQ(lyrsLogGaussSingle_32f(x.data(), m.data(), v.data(), 2, &result, 1.0F), StsNoErr);
-    EXPECT_EQ(result, -1.0F);
-}
-
-// Three routes, three answers to a zero variance; meant to differ.
-TEST(LogGaussSingle, ZeroVariance)
-{
-    for (const std::size_t zeroAt : {std::size_t{0}, std::size_t{4}, std::size_t{8}}) {
-        for (const bool equal : {false, true}) {
-            std::vector<float> x(9, 2.0F);
-            std::vector<float> m(9, 1.0F);
-            std::vector<float> v(9, 1.0F);
-            v[zeroAt] = zeroAt == 4 ? -0.0F : 0.0F;
-            m[zeroAt] = equal ? x[zeroAt] : 1.0F;
-            const auto wrong = [equal](double score) { return equal ? std::isnan(score) : score == -inf64; };
-
-            float single = 17.0F;
-            EXPECT_EQ(lyrsLogGaussSingle_DirectVar_32f(x.data(), m.data(), v.data(), 9, &single, 1.0F),
-                      StsWarnOverflow);
-            EXPECT_TRUE(wrong(single)) << single;
-
-            double widened = 17.0;
-            EXPECT_EQ(lyrsLogGaussSingle_DirectVar_32f64f(x.data(), m.data(), v.data(), 9, &widened, 1.0),
-                      StsWarnOverflow);
-            EXPECT_EQ(widened, 17.0) << "a warning without a result";
-
-            const std::vector<double> x64(x.begin(), x.end());
-            const std::vector<double> m64(m.begin(), m.end());
-            std::vector<double> v64(v.begin(), v.end());
-            v64[zeroAt] = 0.0;
-            double twice = 17.0;
-            EXPECT_EQ(lyrsLogGaussSingle_DirectVar_64f(x64.data(), m64.data(), v64.data(), 9, &twice, 1.0), StsNoErr);
-            EXPECT_TRUE(wrong(twice)) << twice;
-        }
-    }
-}
-
-TEST(LogGaussSingle, NanVarianceIsNoWarning)
-{
-    const float x = 1.0F;
-    const float nan = std::numeric_limits<float>::quiet_NaN();
-    double result = 0;
-    EXPECT_EQ(lyrsLogGaussSingle_DirectVar_32f64f(&x, &x, &nan, 1, &result, 1.0), StsNoErr);
-    EXPECT_TRUE(std::isnan(result));
-}
-
-TEST(LogGaussSingle, WorkMemoryThatCannotBeHad)
-{
-    const std::vector<float> x(5, 1.0F);
-    float result = 17.0F;
-    const int failed = lyr::test::failEachAllocation(
-        [&] { return lyrsLogGaussSingle_DirectVar_32f(x.data(), x.data(), x.data(), 5, &result, 1.0F); }, {},
-        [&] { EXPECT_EQ(result, 17.0F); });
-    EXPECT_EQ(failed, 1);
-}
-
-// A length whose vector is beyond 2 GiB is asked for all the same; here it is refused before anything is read.
-TEST(LogGaussSingle, WorkMemoryOfALongFrame)
-{
-    const float x = 1.0F;
-    for (const Elem32s len : {1, 600000000}) {
-        float result = 17.0F;
-        lyr::test::failAllocationsAfter(0);
-        const Status status = lyrsLogGaussSingle_DirectVar_32f(&x, &x, &x, len, &result, 1.0F);
-        lyr::test::allowAllocations();
-        EXPECT_EQ(status, StsMemAlloc);
-        EXPECT_EQ(result, 17.0F);
-        EXPECT_EQ(lyr::test::lastAllocationSize(), (static_cast<unsigned long>(len) + 32) * 4 + 32 + sizeof(void*));
-    }
 }
 
 // -------------------------------------------------------------------------------------------------------- many frames
@@ -404,6 +363,58 @@ void forEachFramesMember(Check check)
     check(unit32f);
     check(weighted64f);
     check(unit64f);
+}
+
+// As for one frame; the widths below 4 with them.
+template <class T>
+void compareSignedWeights(const FramesMember<T>& member)
+{
+    SCOPED_TRACE(member.name);
+    Random random(47);
+    for (std::size_t width = 1; width <= 70; ++width) {
+        const auto m = wholeNumbers<T>(random, width);
+        std::vector<T> v(width);
+        for (T& weight : v) {
+            weight = member.weighted ? signedWeight<T>(random, Zeros::Some) : T(1);
+        }
+        const T gconst = wholeNumbers<T>(random, 1)[0];
+        for (const std::size_t height : {1U, 3U, 4U, 5U, 9U, 19U}) {
+            const std::size_t step = height % 2 == 0 ? width + 1 : (width + 7) / 8 * 8;
+            const std::size_t count = (height - 1) * step + width;
+            auto x = wholeNumbers<T>(random, count);
+            for (std::size_t i = 0; i < count; ++i) {
+                x[i] = i % step < width && v[i % step] == 0 ? lyr::test::vast<T> : x[i];
+            }
+            for (const Offsets& at : places<T>(count, width)) {
+                const Guarded<T> frames(x, at.frame);
+                const Guarded<T> ms(m, at.mean);
+                const Guarded<T> vs(v, at.var);
+                std::vector<const T*> rows;
+                for (std::size_t f = 0; f < height; ++f) {
+                    rows.push_back(frames.data() + f * step);
+                }
+                const auto w = static_cast<Elem32s>(width);
+                const auto h = static_cast<Elem32s>(height);
+                std::vector<T> block(height);
+                std::vector<T> table(height);
+                ASSERT_EQ(member.block(frames.data(), static_cast<Elem32s>(step), ms.data(), vs.data(), w, block.data(),
+                                       h, gconst),
+                          StsNoErr);
+                ASSERT_EQ(member.table(rows.data(), ms.data(), vs.data(), w, table.data(), h, gconst), StsNoErr);
+                for (std::size_t f = 0; f < height; ++f) {
+                    const auto d = lyr::oracle::distance<T>(rows[f], m.data(), v.data(), width, Weight::Inverse);
+                    const auto expected = static_cast<T>(lyr::oracle::plainScore(gconst, d));
+                    ASSERT_EQ(block[f], expected) << "frame " << f << " of " << height << ", width " << width;
+                    ASSERT_EQ(table[f], expected) << "frame " << f << " of " << height << ", width " << width;
+                }
+            }
+        }
+    }
+}
+
+TEST(LogGauss, SignedWeights)
+{
+    forEachFramesMember([](const auto& member) { compareSignedWeights(member); });
 }
 
 // One row off a multiple of 16 takes the whole table to the unaligned kernel.

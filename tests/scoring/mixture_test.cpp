@@ -9,87 +9,17 @@
 #include <string>
 #include <vector>
 
-#include "oracle/log_domain.hpp"
 #include "oracle/mixture.hpp"
+#include "scoring/mixture_model.hpp"
 #include "support/guarded.hpp"
 #include "support/random.hpp"
 
 namespace {
 
+using lyr::test::Family;
 using lyr::test::Guarded;
+using lyr::test::Model;
 using lyr::test::Random;
-
-// The members of one element type under one name.
-template <class T>
-struct Family;
-
-template <>
-struct Family<float>
-{
-    static constexpr auto multi = lyrsLogGaussMultiMix_32f_D2;
-    static constexpr auto multiTable = lyrsLogGaussMultiMix_32f_D2L;
-    static constexpr auto max = lyrsLogGaussMaxMultiMix_32f_D2;
-    static constexpr auto maxTable = lyrsLogGaussMaxMultiMix_32f_D2L;
-    static constexpr auto add = lyrsLogGaussAddMultiMix_32f_D2;
-    static constexpr auto addTable = lyrsLogGaussAddMultiMix_32f_D2L;
-    static constexpr auto mixture = lyrsLogGaussMixture_32f_D2;
-    static constexpr auto mixtureTable = lyrsLogGaussMixture_32f_D2L;
-    static constexpr auto unit = lyrsLogGaussMixture_IdVar_32f_D2;
-    static constexpr auto unitTable = lyrsLogGaussMixture_IdVar_32f_D2L;
-};
-
-template <>
-struct Family<double>
-{
-    static constexpr auto multi = lyrsLogGaussMultiMix_64f_D2;
-    static constexpr auto multiTable = lyrsLogGaussMultiMix_64f_D2L;
-    static constexpr auto max = lyrsLogGaussMaxMultiMix_64f_D2;
-    static constexpr auto maxTable = lyrsLogGaussMaxMultiMix_64f_D2L;
-    static constexpr auto add = lyrsLogGaussAddMultiMix_64f_D2;
-    static constexpr auto addTable = lyrsLogGaussAddMultiMix_64f_D2L;
-    static constexpr auto mixture = lyrsLogGaussMixture_64f_D2;
-    static constexpr auto mixtureTable = lyrsLogGaussMixture_64f_D2L;
-    static constexpr auto unit = lyrsLogGaussMixture_IdVar_64f_D2;
-    static constexpr auto unitTable = lyrsLogGaussMixture_IdVar_64f_D2L;
-};
-
-// A frame and a model in guarded memory, as block and as table.
-template <class T>
-struct Model
-{
-    std::size_t height;
-    std::size_t width;
-    std::size_t step;
-    Guarded<T> x;
-    Guarded<T> means;
-    Guarded<T> vars;
-    std::vector<T> gconst;
-    std::vector<const T*> meanRows;
-    std::vector<const T*> varRows;
-
-    Model(Random& random, std::size_t gaussians, std::size_t dimension, std::size_t stride, std::size_t offset)
-        : height(gaussians), width(dimension), step(stride),
-          x(random.vector<T>(width, -2, 2), offset == 0 ? 0 : Guarded<T>::flush(width)),
-          means(random.vector<T>((height - 1) * step + width, -2, 2), offset),
-          vars(random.vector<T>((height - 1) * step + width, T(0.25), 2),
-               offset == 0 ? 0 : Guarded<T>::flush((height - 1) * step + width)),
-          gconst(random.vector<T>(height, -30, -10))
-    {
-        for (std::size_t g = 0; g < height; ++g) {
-            meanRows.push_back(means.data() + g * step);
-            varRows.push_back(vars.data() + g * step);
-        }
-    }
-
-    lyr::oracle::Score score(std::size_t g, bool weighted = true) const
-    {
-        return lyr::oracle::mixtureScore(x.data(), meanRows[g], weighted ? varRows[g] : nullptr, width, gconst[g]);
-    }
-
-    Elem32s heightArgument() const { return static_cast<Elem32s>(height); }
-    Elem32s widthArgument() const { return static_cast<Elem32s>(width); }
-    Elem32s stepArgument() const { return static_cast<Elem32s>(step); }
-};
 
 // Calls `check` with models of every width up to 70, of every height up to 37, and across the blocks of 100.
 template <class T, class Check>
@@ -139,11 +69,7 @@ void compareMulti()
     forModels<T>([](const Model<T>& m, Random&) {
         for (const bool table : {false, true}) {
             const Guarded<T> dst(m.gconst, Guarded<T>::flush(m.height));
-            ASSERT_EQ(table ? Family<T>::multiTable(m.meanRows.data(), m.varRows.data(), m.x.data(), m.widthArgument(),
-                                                    dst.data(), m.heightArgument())
-                            : Family<T>::multi(m.means.data(), m.vars.data(), m.stepArgument(), m.x.data(),
-                                               m.widthArgument(), dst.data(), m.heightArgument()),
-                      StsNoErr);
+            ASSERT_EQ(m.multi(table, dst.data()), StsNoErr);
             ASSERT_TRUE(dst.intact());
             for (std::size_t g = 0; g < m.height; ++g) {
                 const auto score = m.score(g);
@@ -174,11 +100,7 @@ void compareMax()
         }
         for (const bool table : {false, true}) {
             const Guarded<T> dst(old, Guarded<T>::flush(m.height));
-            ASSERT_EQ(table ? Family<T>::maxTable(m.meanRows.data(), m.varRows.data(), m.x.data(), m.widthArgument(),
-                                                  m.gconst.data(), dst.data(), m.heightArgument())
-                            : Family<T>::max(m.means.data(), m.vars.data(), m.stepArgument(), m.x.data(),
-                                             m.widthArgument(), m.gconst.data(), dst.data(), m.heightArgument()),
-                      StsNoErr);
+            ASSERT_EQ(m.max(table, m.gconst.data(), dst.data()), StsNoErr);
             ASSERT_TRUE(dst.intact());
             for (std::size_t g = 0; g < m.height; ++g) {
                 const auto score = m.score(g);
@@ -200,44 +122,6 @@ TEST(LogGaussMaxMultiMix, Single)
 TEST(LogGaussMaxMultiMix, Double)
 {
     compareMax<double>();
-}
-
-// Only what is larger replaces: a NaN score does not, and a NaN of the caller's stays, in every place of a step of
-// rows.
-template <class T>
-void expectNanIsNeverLarger()
-{
-    const T nan = std::numeric_limits<T>::quiet_NaN();
-    for (std::size_t height = 1; height <= 40; ++height) {
-        const std::vector<T> x(8, T(1));
-        const std::vector<T> ones(8 * height, T(1));
-        for (std::size_t at = 0; at < height; ++at) {
-            std::vector<T> gconst(height, T(5));
-            std::vector<T> dst(height, T(3));
-            gconst[at] = nan;
-            ASSERT_EQ(Family<T>::max(ones.data(), ones.data(), 8, x.data(), 8, gconst.data(), dst.data(),
-                                     static_cast<Elem32s>(height)),
-                      StsNoErr);
-            for (std::size_t g = 0; g < height; ++g) {
-                ASSERT_EQ(dst[g], g == at ? T(3) : T(5)) << g << " of " << height;
-            }
-            gconst[at] = T(5);
-            dst.assign(height, T(6));
-            dst[at] = nan;
-            ASSERT_EQ(Family<T>::max(ones.data(), ones.data(), 8, x.data(), 8, gconst.data(), dst.data(),
-                                     static_cast<Elem32s>(height)),
-                      StsNoErr);
-            for (std::size_t g = 0; g < height; ++g) {
-                ASSERT_TRUE(g == at ? std::isnan(dst[g]) : dst[g] == T(6)) << g << " of " << height;
-            }
-        }
-    }
-}
-
-TEST(LogGaussMaxMultiMix, NanIsNeverLarger)
-{
-    expectNanIsNeverLarger<float>();
-    expectNanIsNeverLarger<double>();
 }
 
 TEST(LogGaussMaxMultiMix, ConstantsStay)
@@ -263,11 +147,7 @@ void compareAdd()
         }
         for (const bool table : {false, true}) {
             const Guarded<T> dst(old, Guarded<T>::flush(m.height));
-            ASSERT_EQ(table ? Family<T>::addTable(m.meanRows.data(), m.varRows.data(), m.x.data(), m.widthArgument(),
-                                                  m.gconst.data(), dst.data(), m.heightArgument())
-                            : Family<T>::add(m.means.data(), m.vars.data(), m.stepArgument(), m.x.data(),
-                                             m.widthArgument(), m.gconst.data(), dst.data(), m.heightArgument()),
-                      StsNoErr);
+            ASSERT_EQ(m.add(table, m.gconst.data(), dst.data()), StsNoErr);
             ASSERT_TRUE(dst.intact());
             for (std::size_t g = 0; g < m.height; ++g) {
                 const auto score = m.score(g);
@@ -289,15 +169,6 @@ TEST(LogGaussAddMultiMix, Double)
 }
 
 // The addition itself, to the bit: the score of a frame that equals the mean is the constant.
-float logAdd(float a, float b)
-{
-    return lyr::oracle::logAddHint(a, b, 0);
-}
-double logAdd(double a, double b)
-{
-    return lyr::oracle::logAdd64(a, b);
-}
-
 template <class T>
 void expectLogAddition(T low, T lower)
 {
@@ -315,7 +186,7 @@ void expectLogAddition(T low, T lower)
                         : Family<T>::add(ones.data(), ones.data(), 5, x.data(), 5, gconst.data(), dst.data(), 230),
                   StsNoErr);
         for (std::size_t g = 0; g < 230; ++g) {
-            EXPECT_EQ(dst[g], logAdd(old[g], gconst[g])) << g;
+            EXPECT_EQ(dst[g], lyr::oracle::addLog(old[g], gconst[g])) << g;
         }
     }
 }
@@ -347,21 +218,9 @@ void compareMixture()
             const Guarded<T> gconst(m.gconst, Guarded<T>::flush(m.height));
             for (const bool table : {false, true}) {
                 T result = 17;
-                Status status;
-                if (table) {
-                    status = weighted ? Family<T>::mixtureTable(m.x.data(), m.meanRows.data(), m.varRows.data(),
-                                                                m.heightArgument(), m.widthArgument(), gconst.data(),
-                                                                &result)
-                                      : Family<T>::unitTable(m.x.data(), m.meanRows.data(), m.heightArgument(),
-                                                             m.widthArgument(), gconst.data(), &result);
-                } else {
-                    status = weighted
-                                 ? Family<T>::mixture(m.x.data(), m.means.data(), m.vars.data(), m.heightArgument(),
-                                                      m.stepArgument(), m.widthArgument(), gconst.data(), &result)
-                                 : Family<T>::unit(m.x.data(), m.means.data(), m.heightArgument(), m.stepArgument(),
-                                                   m.widthArgument(), gconst.data(), &result);
-                }
-                ASSERT_EQ(status, StsNoErr);
+                ASSERT_EQ(weighted ? m.mixture(table, gconst.data(), &result)
+                                   : m.unitMixture(table, gconst.data(), &result),
+                          StsNoErr);
                 ASSERT_NEAR(result, asDouble(exact), asDouble(bound)) << (weighted ? "weighted" : "unit");
             }
         }
@@ -511,15 +370,6 @@ TEST(LogGaussMixture, TheDoubledConstantOverflows)
     EXPECT_EQ(sumOf<float>({1.5e38F}), 1.5e38F);
 }
 
-float logSum(const std::vector<float>& x)
-{
-    return lyr::oracle::logSum32(x.data(), x.size());
-}
-double logSum(const std::vector<double>& x)
-{
-    return lyr::oracle::logSum64(x.data(), x.size());
-}
-
 // The additions are those of lyrsLogSum_* in blocks of 100, the total of each being the first element of the next: the
 // same bits.
 template <class T>
@@ -531,16 +381,7 @@ void expectBlocksInOrder()
     heights.insert(heights.end(), {511, 512, 513, 999, 1000, 1001, 1003, 1007, 1008, 3207});
     for (const std::size_t height : heights) {
         const auto gconst = random.vector<T>(height, -20, 0);
-        T total = 0;
-        for (std::size_t first = 0; first < height; first += 100) {
-            std::vector<T> block;
-            if (first != 0) {
-                block.push_back(total);
-            }
-            block.insert(block.end(), gconst.begin() + static_cast<std::ptrdiff_t>(first),
-                         gconst.begin() + static_cast<std::ptrdiff_t>(std::min(first + 100, height)));
-            total = logSum(block);
-        }
+        const T total = lyr::oracle::mixtureSum(gconst);
         for (const Form form : allForms) {
             for (const Elem32s width : {3, 67}) { // rows of one register, and of many
                 ASSERT_EQ(sumOf(gconst, form, width), total) << height;
