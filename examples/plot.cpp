@@ -91,7 +91,8 @@ void drawTimeAxis(Canvas& canvas, const Panel& panel)
 {
     const double seconds = panel.frames * panel.secondsPerFrame;
     const double spacing = seconds > 8 ? 2 : (seconds > 4 ? 1 : 0.2);
-    for (double t = 0; t <= seconds + 1e-9; t += spacing) {
+    for (int tick = 0; tick * spacing <= seconds + 1e-9; ++tick) {
+        const double t = tick * spacing;
         const double x = panel.x(t / panel.secondsPerFrame);
         canvas.line(x, panel.y(0), x, panel.y(0) + 4, {0.3, 0.3, 0.3}, 1);
         char label[16];

@@ -92,6 +92,7 @@ WordModel::WordModel(std::string word, const std::vector<Token>& examples, const
     std::vector<float> variance(static_cast<std::size_t>(width));
     for (int s = 0; s < segments; ++s) {
         std::vector<std::pair<const Matrix*, Stretch>> parts;
+        parts.reserve(examples.size());
         for (const Token& token : examples) {
             parts.emplace_back(token.features, segment(token.frames, s, segments));
         }

@@ -6,7 +6,6 @@
 #include "frontend/delta_kernels.hpp"
 #include "lyrsr.h"
 
-using lyr::ColumnGains;
 using lyr::DeltaStream;
 using lyr::FixedArithmetic;
 using lyr::ScalarGains;

@@ -15,10 +15,12 @@ std::atomic<unsigned long> lastSize{0};
 
 extern "C" {
 
+// The linker's option --wrap takes and gives these names. NOLINTBEGIN(bugprone-reserved-identifier)
 void* __real_malloc(std::size_t size);
 void __real_free(void* p);
 void* __wrap_malloc(std::size_t size);
 void __wrap_free(void* p);
+// NOLINTEND(bugprone-reserved-identifier)
 
 // Linked in place of malloc and free wherever this program and the library's own objects call them.
 void* __wrap_malloc(std::size_t size)
