@@ -89,16 +89,16 @@ LYR_INLINE void withLanes(const Plan& plan, Run run)
 {
     switch (plan.lanes) {
     case 1:
-        return run(std::integral_constant<int, 1>{});
+        return run(Constant<1>{});
     case 4:
-        return run(std::integral_constant<int, 4>{});
+        return run(Constant<4>{});
 #if LYR_WIDTH >= 256
     case 8:
-        return run(std::integral_constant<int, 8>{});
+        return run(Constant<8>{});
 #endif
 #if LYR_WIDTH >= 512
     case 16:
-        return run(std::integral_constant<int, 16>{});
+        return run(Constant<16>{});
 #endif
     default:
         __builtin_unreachable();

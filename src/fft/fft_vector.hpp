@@ -106,13 +106,21 @@ LYR_INLINE V fusedSub(V a, V b, V c)
 
 // --------------------------------------------------------------------------------------------------------- statements
 
+// A number as a type. The standard's has a conversion that, where nothing is inlined, is a function outside the width's
+// namespace.
+template <int N>
+struct Constant
+{
+    LYR_INLINE constexpr operator int() const { return N; }
+};
+
 // body(0), body(1), ... body(N - 1) with the number as a constant, so that arrays indexed by it stay in registers.
 template <int N, class Body>
 LYR_INLINE void unroll(Body body)
 {
     [&]<int... I>(std::integer_sequence<int, I...>) __attribute__((always_inline))
     {
-        (body(std::integral_constant<int, I>{}), ...);
+        (body(Constant<I>{}), ...);
     }
     (std::make_integer_sequence<int, N>{});
 }
