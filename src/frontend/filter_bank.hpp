@@ -183,8 +183,8 @@ struct EdgeScratch
 template <class State>
 Status placedBankSize(BankLength length, Elem32s nFilter, bool withTransform, Elem32s* size) noexcept;
 
-// Lays a bank and its scratch into a caller's buffer of that size. The record has its lengths, its memory, cleared rows
-// and nothing else.
+// Lays a bank and its scratch into a caller's buffer of that size; StsSize, with nothing touched, where there is no
+// such size. The record has its lengths, its memory, cleared rows and nothing else.
 template <class State>
 Status placeBank(State* bank, BankLength length, Elem32s nFilter, bool withTransform, EdgeScratch& scratch) noexcept;
 

@@ -71,7 +71,7 @@ constexpr Elem64s workBytes(Elem32s points)
     return (Elem64s{points} + 2) * Elem64s{sizeof(Elem32f)};
 }
 
-// The bytes of the blocks that follow a placed record, in their order.
+// The bytes of the blocks that follow a placed record, in their order, and of all of it with its alignment.
 struct BlockSizes
 {
     Elem64s centers;
@@ -83,8 +83,10 @@ struct BlockSizes
     Elem64s transformInit;
     Elem64s transformBuffer;
     Elem64s work;
+    Elem64s total;
 };
 
+// StsSize if 32 bits do not hold the total.
 template <class State>
 Status blockSizes(BankLength length, Elem32s nFilter, bool withTransform, BlockSizes& sizes) noexcept
 {
@@ -109,7 +111,16 @@ Status blockSizes(BankLength length, Elem32s nFilter, bool withTransform, BlockS
         sizes.transformBuffer = buffer;
         sizes.work = workBytes(length.points);
     }
-    return StsNoErr;
+    sizes.total = sizeof(State);
+    for (const Elem64s bytes : {sizes.centers, sizes.edges, sizes.bins, sizes.left, sizes.right}) {
+        sizes.total += bytes + Elem64s{blockAlignment};
+    }
+    if (withTransform) {
+        for (const Elem64s bytes : {sizes.transform, sizes.transformInit, sizes.transformBuffer, sizes.work}) {
+            sizes.total += bytes + Elem64s{blockAlignment};
+        }
+    }
+    return sizes.total <= INT32_MAX ? StsNoErr : StsSize;
 }
 
 template <class State>
@@ -190,17 +201,7 @@ Status placedBankSize(BankLength length, Elem32s nFilter, bool withTransform, El
 {
     BlockSizes sizes{};
     LYR_CHECK(blockSizes<State>(length, nFilter, withTransform, sizes));
-    Elem64s total = sizeof(State);
-    for (const Elem64s bytes : {sizes.centers, sizes.edges, sizes.bins, sizes.left, sizes.right}) {
-        total += bytes + Elem64s{blockAlignment};
-    }
-    if (withTransform) {
-        for (const Elem64s bytes : {sizes.transform, sizes.transformInit, sizes.transformBuffer, sizes.work}) {
-            total += bytes + Elem64s{blockAlignment};
-        }
-    }
-    LYR_CHECK(require(total <= INT32_MAX, StsSize));
-    *size = static_cast<Elem32s>(total);
+    *size = static_cast<Elem32s>(sizes.total);
     return StsNoErr;
 }
 

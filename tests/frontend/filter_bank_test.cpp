@@ -299,6 +299,44 @@ TYPED_TEST(FilterBank, SizesThat32BitsCannotTell)
     }
 }
 
+// The Init form refuses what has no size, with nothing touched.
+TYPED_TEST(FilterBank, WhatHasNoSizeIsNotPlaced)
+{
+    const auto expectRefused = [](Elem32s length, Elem32s filters, Elem32s flag) {
+        SCOPED_TRACE(::testing::Message() << "length " << length << " filters " << filters << " flag " << flag);
+        Elem32s size = -3;
+        EXPECT_EQ(Api<TypeParam>::size(length, filters, flag, &size), StsSize);
+        EXPECT_EQ(size, -3);
+        const Guarded<Elem8u> memory(sizeof(TypeParam), 0);
+        const std::vector<Elem8u> before = memory.copy();
+        Elem32s order = -3;
+        EXPECT_EQ(Api<TypeParam>::init(reinterpret_cast<TypeParam*>(memory.data()), &order, length, 8000, 64, 4000,
+                                       filters, 2595, 700, flag),
+                  StsSize);
+        EXPECT_EQ(order, -3);
+        EXPECT_EQ(memory.copy(), before);
+        EXPECT_TRUE(memory.intact());
+    };
+    expectRefused(2, 30000000, 1);
+    expectRefused(2, 50000000, 2);
+    expectRefused(1024, 518000, 1);
+    expectRefused(256, INT32_MAX, 1);
+    expectRefused(INT32_MAX, 1, 1);
+    // The first number of filters that is too large, with and without a transform.
+    for (const Elem32s length : {2, 8, 256, 1 << 20, 1 << 27}) {
+        for (const Elem32s flag : {1, 6}) {
+            Elem32s most = 0;
+            for (Elem32s step = 1 << 28; step > 0; step /= 2) {
+                Elem32s size = 0;
+                if (Api<TypeParam>::size(length, most + step, flag, &size) == StsNoErr) {
+                    most += step;
+                }
+            }
+            expectRefused(length, most + 1, flag);
+        }
+    }
+}
+
 // --------------------------------------------------------------------------------------------------------- mel-linear
 
 TYPED_TEST(FilterBank, MelLinearBankIsItsFormulas)
