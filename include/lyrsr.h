@@ -985,7 +985,7 @@ enum LyrsFBankFlag
  * `lyrsMelToLinear_32f`: pDst[i] = melDiv * (exp(pSrc[i] / melMul) - 1).
  * `lyrsLinearToMel_32f`: pDst[i] = melMul * ln(1 + pSrc[i] / melDiv).
  * Each in double precision with the reciprocal of the divisor formed once. In place is possible.
- * @return #StsNoErr, #StsNullPtr; #StsSize also for a `melMul` or `melDiv` that is not above 0
+ * @return #StsNoErr, #StsNullPtr; #StsSize also for a `melMul` or `melDiv` that is not above 0, NaN included
  * @{
  */
 LYRSR_API Status lyrsMelToLinear_32f(const Elem32f* pSrc, Elem32f* pDst, Elem32s len, Elem32f melMul, Elem32f melDiv);

@@ -9,7 +9,7 @@ namespace {
 
 Status checkConversion(const Elem32f* src, const Elem32f* dst, Elem32s len, Elem32f melMul, Elem32f melDiv)
 {
-    LYR_CHECK(pointers(src, dst), sizes(len), require(!(melMul <= 0.0F || melDiv <= 0.0F), StsSize));
+    LYR_CHECK(pointers(src, dst), sizes(len), require(melMul > 0.0F && melDiv > 0.0F, StsSize));
     return StsNoErr;
 }
 

@@ -130,7 +130,7 @@ auto parameter()
 }
 auto scaleParameter()
 {
-    return value(700.0F).bad({0.0F, -1.0F}, StsSize);
+    return value(700.0F).bad({0.0F, -1.0F, std::numeric_limits<float>::quiet_NaN()}, StsSize);
 }
 auto scaleFactor()
 {

@@ -240,9 +240,12 @@ TEST(MelScale, Checks)
         EXPECT_EQ(convert(&x, &x, 1, 0, 1), StsSize);
         EXPECT_EQ(convert(&x, &x, 1, 1, -1), StsSize);
         EXPECT_EQ(convert(&x, &x, 1, -0.0F, 1), StsSize);
+        for (const float nan : {nan32, -nan32}) { // not above 0
+            EXPECT_EQ(convert(&x, &x, 1, nan, 1), StsSize);
+            EXPECT_EQ(convert(&x, &x, 1, 1, nan), StsSize);
+        }
         EXPECT_EQ(x, 1);
-        EXPECT_EQ(convert(&x, &x, 1, nan32, 1), StsNoErr) << "no number passes";
-        EXPECT_TRUE(std::isnan(x));
+        EXPECT_EQ(convert(&x, &x, 1, inf32, std::numeric_limits<float>::denorm_min()), StsNoErr);
     }
 }
 
