@@ -943,10 +943,13 @@ LYRSR_API Status lyrsLogGaussMixture_IdVar_64f_D2L(const Elem64f* pSrc, const El
  * From a spectrum to one energy for each of a row of overlapping triangular filters (Davis and Mermelstein, Comparison
  * of Parametric Representations for Monosyllabic Word Recognition, IEEE Trans. ASSP 28(4), 1980). Filter i, counted
  * from 1, rises from centre i - 1 to centre i and falls to centre i + 1; centres are numbers of bins of a transform of
- * `fftLen` points:
+ * N points:
  *
  *     pDst[i-1] = sum over k from centre(i-1) to centre(i) of left(i, k) * pSrc[k]
  *               + sum over k from centre(i) + 1 to centre(i+1) of right(i, k) * pSrc[k]
+ *
+ * N is the length that a bank uses: the `fftLen` that is asked for, rounded up to a power of two, at least 2.
+ * `pFFTOrder` receives its logarithm to base 2. The Aurora banks have 128 points.
  *
  * A bank is a record that is built once and then evaluated for each frame. Evaluation reads the record only, so that
  * threads may share it; with #FBankFromFrames it also writes scratch that belongs to the record, and such a bank serves
@@ -995,23 +998,24 @@ LYRSR_API Status lyrsLinearToMel_32f(const Elem32f* pSrc, Elem32f* pDst, Elem32s
 /**
  * @name Mel bank
  * `nFilter` filters between edges that are equally spaced in mel from `lowFreq` to `highFreq`.
- * With #FBankMelShape, which truncates, the last centre may be fftLen / 2 - 1 where `highFreq` is half the rate: single
+ * With #FBankMelShape, which truncates, the last centre may be N / 2 - 1 where `highFreq` is half the rate: single
  * precision may put it just below the last bin.
  * @param pSize     receives the number of bytes that the Init form needs
  * @param pFBank    memory of that size
  * @param ppFBank   receives the bank
- * @param pFFTOrder receives log2 of the length that the bank uses
- * @param fftLen    points of the transform, rounded up to a power of two, at least 2; 1 to 2^30
+ * @param pFFTOrder receives log2(N)
+ * @param fftLen    points of the transform, 1 to 2^30; rounded up to N
  * @param sampFreq  sampling rate in hertz, above 0
  * @param lowFreq   lower edge in hertz, above 0
  * @param highFreq  upper edge in hertz, from `lowFreq` to half the rate
  * @param nFilter   number of filters, at least 1
- * @param melMul    factor of the mel scale
- * @param melDiv    corner frequency of the mel scale
+ * @param melMul    factor of the mel scale, not checked
+ * @param melDiv    corner frequency of the mel scale, not checked
  * @param flag      see #LyrsFBankFlag
  * @return #StsNoErr; in this order: #StsNullPtr; #StsSize for `fftLen`, `nFilter`, `sampFreq` or `lowFreq`;
- * #StsFBankFreq; #StsFBankFlag; #StsMemAlloc (`InitAlloc`). A frequency that is not a number passes. A bank whose size
- * 32 bits cannot tell is #StsSize in the GetSize and Init forms and #StsMemAlloc in the `InitAlloc` forms.
+ * #StsFBankFreq; #StsFBankFlag; #StsSize for a bank whose size 32 bits cannot tell (`GetSize` and `Init`); #StsMemAlloc
+ * (`InitAlloc`). A frequency that is not a number passes. The `InitAlloc` forms take larger banks too, in parts of at
+ * most 2^31 - 1 bytes each: #StsMemAlloc only where the memory for a part cannot be had.
  * @{
  */
 LYRSR_API Status lyrsMelFBankGetSize_32f(Elem32s fftLen, Elem32s nFilter, Elem32s flag, Elem32s* pSize);
@@ -1078,11 +1082,12 @@ LYRSR_API Status lyrsMelFBankInitAllocHigh_Aurora_16s(FBankState_16s** ppFBank);
 /**
  * @name Mel-linear bank
  * `nLinear` filters between edges that are equally spaced in hertz from `lowFreq` to `highLinFreq`, and above them the
- * others, equally spaced in mel up to `highFreq`. If all filters are linear, `highFreq` plays no part. With
- * #FBankMelShape in a mixed bank the mel filters have sides that are straight in bins, and the right side of the last
- * linear filter is usually zero.
+ * others, equally spaced in mel up to `highFreq`. If all filters are linear, `highFreq` plays no part but is checked
+ * all the same. With #FBankMelShape in a mixed bank the mel filters have sides that are straight in bins, and the right
+ * side of the last linear filter is usually zero.
  * @param ppFBank     receives the bank; the pointers are not checked
- * @param pFFTOrder   receives log2 of the length that the bank uses
+ * @param pFFTOrder   receives log2(N)
+ * @param fftLen      points of the transform, 1 to 2^30; rounded up to N
  * @param highLinFreq upper end of the linear part in hertz, from `lowFreq` to `highFreq`
  * @param nLinear     number of linear filters, 1 to `nFilter`
  * @return #StsNoErr; in this order: #StsSize, #StsFBankFreq, #StsFBankFlag, #StsMemAlloc
@@ -1103,6 +1108,11 @@ LYRSR_API Status lyrsMelLinFBankInitAlloc_16s(FBankState_16s** ppFBank, Elem32s*
  * A bank that the caller fills: `lyrsFBankSetCenters_*` makes it ready, with all weights zero, and
  * `lyrsFBankSetCoeffs_*` fills it filter by filter. Evaluation takes a spectrum, whatever `flag` says; no value of
  * `flag` is refused. The pointers are not checked.
+ * @param ppFBank   receives the bank
+ * @param pFFTOrder receives log2(N)
+ * @param fftLen    points of the transform, 1 to 2^30; rounded up to N
+ * @param nFilter   number of filters, at least 1
+ * @param flag      any value
  * @return #StsNoErr; #StsSize for `fftLen` or `nFilter`; #StsMemAlloc
  * @{
  */
@@ -1114,7 +1124,8 @@ LYRSR_API Status lyrsEmptyFBankInitAlloc_16s(FBankState_16s** ppFBank, Elem32s* 
 
 /**
  * @name Evaluation
- * @param pSrc        a spectrum of fftLen / 2 + 1 bins, or with #FBankFromFrames a frame of `fftLen` samples
+ * @param pSrc        a spectrum of N / 2 + 1 bins, or with #FBankFromFrames a frame of N samples: the length that the
+ *                    bank uses, not the one that was asked for (see lyrsCopyWithPadding_32f())
  * @param pDst        receives `nFilter` energies
  * @param pFBank      the bank
  * @param scaleFactor results are divided by 2^scaleFactor, toward minus infinity and saturating;
@@ -1150,13 +1161,14 @@ LYRSR_API Status lyrsFBankFree_16s(FBankState_16s* pFBank);
  * centre(fIdx + 1) - centre(fIdx - 1) + 1 numbers. `_16s` forms convert between 14 fraction bits and singles, toward
  * zero on the way in.
  *
- * Of the last two centres only the very last is bounded by fftLen / 2, and the two are not compared. Where the last but
- * one lies beyond, evaluation counts the bins that are in the spectrum; the differences of the centres remain the
- * numbers of weights, of which SetCoeffs drops those beyond the bank's rows and GetCoeffs tells zeros for them. A side
- * whose centres are out of order has no weights.
- * @param fIdx 1 to `nFilter`; GetCoeffs takes `nFilter` + 1 too
+ * Of the last two centres only the very last is bounded by N / 2, and the two are not compared. Where the last but one
+ * lies beyond, evaluation counts the bins that are in the spectrum; the differences of the centres remain the numbers
+ * of weights, of which SetCoeffs drops those beyond the bank's rows and GetCoeffs tells zeros for them. A side whose
+ * centres are out of order has no weights.
+ * @param fIdx 1 to `nFilter`; GetCoeffs takes `nFilter` + 1 too, and writes centre(nFilter + 1) - centre(nFilter) + 1
+ *        zeros
  * @return #StsNoErr, #StsNullPtr; #StsFBankNotReady if the bank has no centres yet, and, with nothing stored, for a
- *         first centre below 0, centres 0 to nFilter out of order, or a last centre beyond fftLen / 2; #StsSize for
+ *         first centre below 0, centres 0 to nFilter out of order, or a last centre beyond N / 2; #StsSize for
  *         `fIdx`. In a bank of one filter the middle centre is compared with neither of the others
  * @{
  */
@@ -1213,8 +1225,7 @@ typedef struct DCTLifterState_16s DCTLifterState_16s;
 
 /**
  * @name Size of a state in the caller's memory
- * The buffer must be aligned as a pointer to any object is from the C library, or less: 8 bytes on 64-bit, 4 bytes on
- * 32-bit builds.
+ * The buffer must be aligned to 8 bytes, in the 32-bit build to 4. Any memory from malloc() is.
  * @param lenDCT      number of inputs, at least `lenCepstrum`; at most 8192 in `lyrsDCTLifterGetSize_MulC0_16s`
  * @param lenCepstrum number of outputs without the zeroth coefficient, at least 1
  * @param pSize       receives the bytes of the buffer for the `Init` function of the same form
@@ -1294,8 +1305,8 @@ LYRSR_API Status lyrsDCTLifterFree_16s(DCTLifterState_16s* pState);
 
 /**
  * @name Transform
- * `lyrsDCTLifter_32f` gives the same bits whatever the alignment of `pSrc`. The other two convert the inputs to single
- * without a scale; the scale factor acts on the result alone.
+ * `lyrsDCTLifter_32f` gives the same bits whatever the alignment of `pSrc`, which NaN aside. The other two convert the
+ * inputs to single without a scale; the scale factor acts on the result alone.
  * @param pSrc        `lenDCT` log energies
  * @param pDst        receives `lenCepstrum` cepstra, one more with the zeroth coefficient
  * @param pState      state record
@@ -1320,7 +1331,7 @@ LYRSR_API Status lyrsDCTLifter_32s16s_Sfs(const Elem32s* pSrc, Elem16s* pDst, DC
  * `width` statics x, behind them as many deltas D and, in the `DeltaDelta` forms, delta-deltas A. The matrix is all the
  * memory that a stream has: a call appends the frames of `pSrc` and finishes the rows that have their neighbours now.
  *
- * The streamed forms differ in H, the number of rows that wait:
+ * The streamed forms differ in H, the number of the last rows that the next call needs again:
  *
  * | window | deltas | H |
  * |---|---|---|
@@ -1330,17 +1341,18 @@ LYRSR_API Status lyrsDCTLifter_32s16s_Sfs(const Elem32s* pSrc, Elem16s* pDst, DC
  * | `DeltaDelta_Win2` | as that, and A of D in the same way with valDD | 6 |
  * | `DeltaDelta_Aurora` | D and A from x[r-4] ... x[r+4] | 8 |
  *
- * With #DeltaBegin the first frame goes to row 0, and row 0 stands in for the rows before it. Without it the first H
- * rows of `pDst` are the last ones of the call before, and the first frame goes to row H. With #DeltaEnd the waiting
- * rows are finished too, the last row standing in for those behind it. A caller thus advances `pDst` by the number of
- * frames that it hands over, less H at the beginning.
+ * With #DeltaBegin the first frame goes to row 0 of `pDst`, and row 0 stands in for the rows before it. Without it
+ * `pDst` is the first of the last H rows that the call before left, some of them finished and the others waiting for
+ * their neighbours; the first frame goes to row H. With #DeltaEnd the waiting rows are finished too, the last row
+ * standing in for those behind it. From one call to the next a caller thus advances `pDst` by the number of frames that
+ * the first of the two took, less H if that one had #DeltaBegin.
  *
  * `Mul` forms take a gain for each column of the output in `pVal`, statics first: the statics are multiplied too, and
  * differences are formed of the products. There is no denominator: normalisation is in the gains.
  *
- * Single precision throughout, each step rounded, with the same bits on every path. In 16 bits differences wrap; the
- * sum of the `Win2` forms saturates (but see there); the 32-bit product with the gain is shifted right by scaleFactor
- * without rounding, left for a negative one, and saturated. `pSrc` may not overlap `pDst`.
+ * Single precision throughout, each step rounded, with the same bits on every path, which NaN aside. In 16 bits
+ * differences wrap; the sum of the `Win2` forms saturates (but see there); the 32-bit product with the gain is shifted
+ * right by scaleFactor without rounding, left for a negative one, and saturated. `pSrc` may not overlap `pDst`.
  * @{
  */
 
@@ -1358,7 +1370,7 @@ enum LyrsDeltaMode
  * @param pSrc        `height` frames of `width` elements, without gaps
  * @param pVal        gains: 2 * `width`, or 3 * `width` in the `DeltaDelta` forms
  * @param width       elements of a frame, at least 1
- * @param pDst        feature matrix, from the first waiting row on
+ * @param pDst        feature matrix: its first row with #DeltaBegin, else the first of its last H rows
  * @param dstStep     its row stride, at least 2 * `width`, or 3 * `width` in the `DeltaDelta` forms
  * @param height      number of frames; 0 is legal with #DeltaEnd, at least H with #DeltaBegin
  * @param val, valD   gain of the deltas
@@ -1417,7 +1429,7 @@ LYRSR_API Status lyrsDeltaDeltaMul_Win2_16s_D2Sfs(const Elem16s* pSrc, const Ele
  * scaleFactor does not shift left: counts are taken modulo 32.
  * @param pSrc        `height` frames of 14 elements, without gaps
  * @param pVal        39 gains
- * @param pDst        feature matrix, from the first waiting row on
+ * @param pDst        feature matrix: its first row with #DeltaBegin, else the first of its last 8 rows
  * @param dstStep     its row stride, at least 39
  * @param height      number of frames; 0 is legal with #DeltaEnd, at least 8 with #DeltaBegin
  * @param deltaMode   #DeltaBegin, #DeltaEnd, both or neither

@@ -25,8 +25,8 @@ struct PartVector
 };
 
 // body(c, access) for the columns from c on, a vector at a time. The last vector of a row wider than one begins early
-// enough to be whole: what it shares with the one before is computed twice, to the same bits, as no result is an
-// operand.
+// enough to be whole: what it shares with the one before is computed twice, to the same bits, which NaN aside, as no
+// result is an operand.
 template <class T, class Body>
 LYR_INLINE void overColumns(Elem32s width, Body body)
 {

@@ -13,7 +13,8 @@ template <class T>
 struct DeltaStream
 {
     const T* src; // `height` frames, one behind the other
-    T* dst;       // row 0 is the first frame, or the first of the rows that the last call left unfinished
+    T* dst;       // row 0 is the first frame, or the first of the last rows of the call before, as many as the window
+                  // needs ahead of a new frame
     std::ptrdiff_t step;
     Elem32s width;
     Elem32s height;
@@ -39,7 +40,7 @@ struct ColumnGains
 template <class T>
 ColumnGains(const T*) -> ColumnGains<T>;
 
-// Single precision, each step rounded: nothing is fused, so that every path gives the same bits.
+// Single precision, each step rounded: nothing is fused, so that every path gives the same bits, which NaN aside.
 struct SingleArithmetic
 {
     using Element = Elem32f;

@@ -9,7 +9,8 @@
 namespace lyr {
 namespace {
 
-// Centres 0 to nFilter in order and those at the ends inside the spectrum. How the last two stand to each other is not
+// The first centre is not below the spectrum, the last not beyond it, and each of those from 1 to nFilter - 1 is in
+// order with both its neighbours: a bank of one filter has none of these. How the last two stand to each other is not
 // looked at, on purpose.
 bool areCentersLegal(const Elem32s* c, Elem32s nFilter, Elem32s fftLen) noexcept
 {
