@@ -60,7 +60,10 @@ struct SineLifter
 template <class Weight>
 struct GivenLifter
 {
-    const Weight* values; // lenCepstrum of them
+    // A caller may hand over part of the state's own memory, which holds singles.
+    using Value [[gnu::may_alias]] = Weight;
+
+    const Value* values; // lenCepstrum of them
     bool withC0;
 
     [[nodiscard]] static Elem32s length() { return -1; }

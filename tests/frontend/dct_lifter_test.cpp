@@ -366,6 +366,43 @@ TEST(DctLifter, BeyondTheLengthOfTheLifterTheSineIsNegative)
     EXPECT_EQ(lyrsDCTLifterFree_32f(state), StsNoErr);
 }
 
+// Half the length is rounded to single, which a length above 2^25 shows.
+TEST(DctLifter, HalfOfALongLifterIsASingle)
+{
+    constexpr int count = 64;
+    int shown = 0;
+    for (const Elem32s nLifter : {(1 << 25) + 2, (1 << 26) + 6, (1 << 30) + 64, INT32_MAX}) {
+        DCTLifterState_32f* state = nullptr;
+        ASSERT_EQ(lyrsDCTLifterInitAlloc_32f(&state, count, count, nLifter, 1.0F), StsNoErr);
+        for (int i = 0; i <= count; ++i) {
+            EXPECT_TRUE(sameBits(state->pLifter[i], lyr::oracle::sineWeight(i, nLifter, 1.0F))) << nLifter << ' ' << i;
+            const double exactHalf = nLifter * 0.5;
+            shown += state->pLifter[i] != static_cast<float>(1.0 + std::sin(i * lyr::oracle::pi / nLifter) * exactHalf);
+        }
+        EXPECT_EQ(lyrsDCTLifterFree_32f(state), StsNoErr);
+    }
+    EXPECT_GT(shown, 0) << "no weight that shows the rounding";
+}
+
+// All weights are one before the first of the caller's is read, which a caller sees who hands over the state's own: the
+// bits of 1.0 are the whole number 1065353216.
+TEST(DctLifter, WholeWeightsFromTheStateItselfAreThoseOfOnes)
+{
+    constexpr Elem32s count = 5;
+    const Arguments a = arguments(8, count);
+    Elem32s size = 0;
+    ASSERT_EQ(lyrsDCTLifterGetSize_MulC0_16s(8, count, &size), StsNoErr);
+    const Guarded<std::byte> buffer(static_cast<std::size_t>(size), 0);
+    auto* const state = reinterpret_cast<DCTLifterState_16s*>(buffer.data());
+    ASSERT_EQ(lyrsDCTLifterInit_MulC0_16s(state, 8, a.wholeWeights.data(), count), StsNoErr);
+    // Entry i is read where weight i + 1 goes.
+    ASSERT_EQ(lyrsDCTLifterInit_MulC0_16s(state, 8, reinterpret_cast<const Elem32s*>(state->pLifter + 1), count),
+              StsNoErr);
+    for (int i = 1; i <= count; ++i) {
+        EXPECT_EQ(state->pLifter[i], 1065353216.0F) << i;
+    }
+}
+
 // No zero or NaN of an argument is an error.
 TEST(DctLifter, AnyValueIsAWeight)
 {

@@ -113,6 +113,25 @@ TEST(AuroraDelta, NegativeScaleFactorsShiftRightByTheirLowFiveBits)
     EXPECT_EQ(rows[0], 0);
 }
 
+// The product of a delta and its gain has 32 bits and wraps: meant.
+TEST(AuroraDelta, ProductsOfDeltasWrap)
+{
+    std::vector<Elem16s> x(8 * inputs, 0);
+    for (std::size_t r = 0; r < 8; ++r) {
+        x[r * inputs] = r < 4 ? INT16_MIN : INT16_MAX;
+    }
+    std::vector<Elem16s> gains(columns, 1);
+    gains[13] = INT16_MAX;
+    std::vector<Elem16s> rows(8 * columns);
+    ASSERT_EQ(lyrsDeltaDeltaMul_Aurora_16s_D2Sfs(x.data(), gains.data(), rows.data(), 39, 8, DeltaBegin | DeltaEnd, 0),
+              StsNoErr);
+    // With 64 bits all of them would be 32767.
+    constexpr Elem16s expected[] = {-32768, 32767, 32767, -32768, -32768, 32767, 32767, -32768};
+    for (std::size_t r = 0; r < 8; ++r) {
+        EXPECT_EQ(rows[r * columns + 13], expected[r]) << r;
+    }
+}
+
 // The thirteenth static is the mix, and its derivatives are those of the mix.
 TEST(AuroraDelta, TheLastStaticIsMixedAndItsDeltaIsTakenOnTheMix)
 {

@@ -131,6 +131,19 @@ TEST(EvalDelta, TheFirstRowStandsForAllOnItsSide)
     EXPECT_EQ(rows[9], (10000 - 1000) + 2 * (10000 - 100));
 }
 
+// A sum starts from plus zero, to which terms of minus zero add nothing.
+TEST(EvalDelta, TermsOfMinusZeroAddUpToPlusZero)
+{
+    std::vector<float> rows{0.0F, 7, -0.0F, 7, -0.0F, 7, -0.0F, 7};
+    const std::vector<float> gains{1, 1};
+    for (const float gain : {1.0F, -1.0F}) {
+        ASSERT_EQ(lyrsEvalDelta_32f_D2(rows.data(), 4, 2, 1, 0, 2, gain), StsNoErr);
+        EXPECT_TRUE(lyr::test::exactly(rows[1], gain * 0.0F));
+    }
+    ASSERT_EQ(lyrsEvalDeltaMul_32f_D2(rows.data(), 4, 2, gains.data(), 1, 0, 2), StsNoErr);
+    EXPECT_TRUE(lyr::test::exactly(rows[1], 0.0F));
+}
+
 TEST(EvalDelta, TheGainsOfTheStaticsAreSkipped)
 {
     std::vector<float> rows{1, 0, 3, 0};

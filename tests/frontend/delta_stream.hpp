@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstring>
 #include <gtest/gtest.h>
 #include <limits>
 #include <vector>
@@ -29,7 +30,8 @@ inline std::vector<int> calls(int frames, int history, int chunk, bool flush)
     return sizes;
 }
 
-// call(src, dst, height, mode) with the frames of one call, which end at an unmapped page, and the rows that wait.
+// call(src, dst, height, mode) with the frames of one call, which end at an unmapped page, and the last rows of the
+// call before.
 template <class T, class Call>
 void feed(const std::vector<T>& frames, std::size_t inputs, int history, const std::vector<int>& sizes, T* dst,
           std::ptrdiff_t step, Call call)
@@ -42,7 +44,7 @@ void feed(const std::vector<T>& frames, std::size_t inputs, int history, const s
         const Elem32s mode = (k == 0 ? DeltaBegin : 0) | (k + 1 == sizes.size() ? DeltaEnd : 0);
         T* const at = dst + (k == 0 ? 0 : done - history) * step;
         ASSERT_EQ(call(src.data(), at, sizes[k], mode), StsNoErr) << "call " << k;
-        ASSERT_EQ(src.copy(), part) << "call " << k;
+        ASSERT_TRUE(part.empty() || std::memcmp(src.data(), part.data(), part.size() * sizeof(T)) == 0) << "call " << k;
         done += sizes[k];
     }
 }
@@ -64,14 +66,15 @@ void expectRows(const T* rows, std::size_t step, std::size_t columns, const std:
     }
 }
 
-// Random data with the whole range of a type's specialities.
+// Random data with the whole range of a type's specialities. Which NaN a NaN is does not count in `same`.
 inline std::vector<float> frameData(Random& random, std::size_t n, float /*tag*/)
 {
     auto x = random.vector<float>(n, -30, 30);
-    constexpr float odd[] = {0.0F,   -0.0F,   1e-40F, -1e-39F, std::numeric_limits<float>::infinity(),
-                             -3e38F, 3.4e38F, 1e-45F};
-    for (std::size_t i = 0; i < n; i += 97) {
-        x[i] = odd[static_cast<std::size_t>(random.uniform(0, 7))];
+    constexpr float inf = std::numeric_limits<float>::infinity();
+    constexpr float nan = std::numeric_limits<float>::quiet_NaN();
+    constexpr float odd[] = {0.0F, -0.0F, 1e-40F, -1e-39F, -3e38F, 3.4e38F, 1e-45F, inf, -inf, nan, -nan};
+    for (std::size_t i = 0; i < n; i += 47) {
+        x[i] = odd[static_cast<std::size_t>(random.uniform<int>(0, static_cast<int>(std::size(odd)) - 1))];
     }
     return x;
 }

@@ -429,7 +429,9 @@ TEST(FilterBankEval, FramesOfIntegers)
             const auto narrowSums = lyr::oracle::sums(bank, magnitudes.data(), Product::Wrapped);
             const auto wideSums = lyr::oracle::sums(bank, magnitudes.data(), Product::Wide);
             wrapped = wrapped || narrowSums != wideSums;
-            for (const int scale : {-20, -14, -3, 0, 2, 9}) {
+            // Of the last two 32 bits would make shifts to the left.
+            for (const int scale : {-20, -14, -3, 0, 2, 9, INT32_MIN, INT32_MAX - 14, INT32_MAX}) {
+                const std::int64_t shift = std::int64_t{14} + 6 + scale;
                 for (const FBankState_16s* const each :
                      {static_cast<const FBankState_16s*>(owned.bank), static_cast<const FBankState_16s*>(placed)}) {
                     std::vector<Elem16s> narrow(5);
@@ -440,8 +442,8 @@ TEST(FilterBankEval, FramesOfIntegers)
                     EXPECT_EQ(lyr::test::allocationCount(), before);
                     EXPECT_TRUE(memory.intact());
                     for (std::size_t i = 0; i < 5; ++i) {
-                        ASSERT_EQ(narrow[i], lyr::oracle::scaled(narrowSums[i], 14 + 6 + scale, min16, max16)) << order;
-                        ASSERT_EQ(wide[i], lyr::oracle::scaled(wideSums[i], 14 + 6 + scale, min32, max32)) << order;
+                        ASSERT_EQ(narrow[i], lyr::oracle::scaled(narrowSums[i], shift, min16, max16)) << order;
+                        ASSERT_EQ(wide[i], lyr::oracle::scaled(wideSums[i], shift, min32, max32)) << order;
                     }
                 }
             }

@@ -365,6 +365,8 @@ TEST(IntegerBank, LimitsOfAnEvaluation)
     EXPECT_EQ(eval(INT32_MAX, -1), INT32_MAX);
     EXPECT_EQ(eval(1 << 30, -1), INT32_MAX);
     EXPECT_EQ(eval(1 << 30, -31), INT32_MAX);
+    EXPECT_EQ(eval(1 << 30, -11), INT32_MAX) << "a sum of 2^52 just reaches 2^(63 - 11)";
+    EXPECT_EQ(eval((1 << 30) - 1, -11), INT32_MAX);
     EXPECT_EQ(eval(INT32_MIN, -1), 0) << "wraps";
     EXPECT_EQ(eval(INT32_MIN + 3, -1), 6) << "wraps";
     EXPECT_EQ(eval(7, 31), 0);

@@ -401,15 +401,68 @@ TYPED_TEST(FilterBank, MelLinearSeamIsUsuallyZero)
     EXPECT_GT(small->pCoefRight[7][0], 0);
 }
 
-// Filters on one spot: quotients of nothing by nothing stay inside their rows; the integers among them become 0.
+// Filters on one spot: quotients with a width of zero stay inside their rows; the integers among them become 0, also
+// where the single is infinite or no number.
 TYPED_TEST(FilterBank, MelLinearBankOfNoWidth)
+{
+    using Weight = typename Api<TypeParam>::Weight;
+    for (const float frequency : {1000.0F, 2000.0F, 3000.0F}) {
+        Owned<TypeParam> owned;
+        Elem32s order = 0;
+        ASSERT_EQ(
+            Api<TypeParam>::melLinear(&owned.bank, &order, 64, 8000, frequency, 4000, 6, frequency, 6, 2595, 700, 1),
+            StsNoErr);
+        const auto bin = static_cast<Elem32s>(frequency / 125.0F);
+        for (int i = 0; i <= 7; ++i) {
+            EXPECT_EQ(owned->pCenters[i], bin);
+        }
+        const Band band{8000, frequency, 4000, 2595, 700};
+        expectBank(*owned, lyr::oracle::melLinearBank<Weight>(64, 6, band, frequency, 6, 1));
+        if constexpr (std::is_same_v<Weight, std::int32_t>) {
+            for (int r = 0; r < 6; ++r) {
+                EXPECT_EQ(owned->pCoefLeft[r][0], 0) << r;
+            }
+        }
+    }
+}
+
+// All edges in the middle of two bins, from 0.5 to 8.5: the even one is taken.
+TYPED_TEST(FilterBank, CentersBetweenTwoBinsGoToTheEvenOne)
 {
     Owned<TypeParam> owned;
     Elem32s order = 0;
-    ASSERT_EQ(Api<TypeParam>::melLinear(&owned.bank, &order, 64, 8000, 1000, 4000, 6, 1000, 6, 2595, 700, 1), StsNoErr);
-    for (int i = 0; i <= 7; ++i) {
-        EXPECT_EQ(owned->pCenters[i], 8);
+    ASSERT_EQ(Api<TypeParam>::melLinear(&owned.bank, &order, 32, 16000, 250, 8000, 3, 4250, 3, 2595, 700, 2), StsNoErr);
+    for (int i = 0; i <= 4; ++i) {
+        EXPECT_EQ(owned->pCenters[i], 2 * i);
     }
+}
+
+// The upper limit plays no part in a bank of linear filters, and is looked at all the same: meant.
+TYPED_TEST(FilterBank, TheUpperLimitOfALinearBankIsChecked)
+{
+    for (const auto& [high, status] :
+         {std::pair{500.0F, StsFBankFreq}, {5000.0F, StsFBankFreq}, {1000.0F, StsNoErr}, {4000.0F, StsNoErr}}) {
+        Owned<TypeParam> owned;
+        Elem32s order = -3;
+        EXPECT_EQ(Api<TypeParam>::melLinear(&owned.bank, &order, 64, 8000, 100, high, 4, 1000, 4, 2595, 700, 2), status)
+            << high;
+        EXPECT_EQ(owned.bank == nullptr, status != StsNoErr);
+        EXPECT_EQ(order == -3, status != StsNoErr);
+    }
+}
+
+// The mel of the highest linear frequency stays in double: in single it would move a centre of this bank.
+TYPED_TEST(FilterBank, MelLinearSeamKeepsItsPrecision)
+{
+    using Weight = typename Api<TypeParam>::Weight;
+    const Band band{16000, 100, 8000, 2595, 700};
+    constexpr float highLin = 519.405396F;
+    Owned<TypeParam> owned;
+    Elem32s order = 0;
+    ASSERT_EQ(Api<TypeParam>::melLinear(&owned.bank, &order, 4096, band.fs, band.low, band.high, 37, highLin, 11,
+                                        band.mul, band.div, 1),
+              StsNoErr);
+    expectBank(*owned, lyr::oracle::melLinearBank<Weight>(4096, 37, band, highLin, 11, 1));
 }
 
 // --------------------------------------------------------------------------------------------------------------- empty
