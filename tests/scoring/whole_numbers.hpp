@@ -36,4 +36,14 @@ T signedWeight(Random& random, Zeros zeros)
     return weights[random.uniform<int>(0, zeros == Zeros::Some ? 7 : 5)];
 }
 
+// 1 to 70, and the narrow ones, whose weights are few, ten times over.
+inline std::vector<std::size_t> signedWidths()
+{
+    std::vector<std::size_t> widths;
+    for (std::size_t n = 1; n <= 70; ++n) {
+        widths.insert(widths.end(), n < 4 ? 10 : 1, n);
+    }
+    return widths;
+}
+
 } // namespace lyr::test
