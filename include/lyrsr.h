@@ -325,7 +325,7 @@ LYRSR_API Status lyrsMinEvery_32s_I(const Elem32s* pSrc, Elem32s* pSrcDst, Elem3
 /**
  * @name N-th largest element
  * The element at index `N` of the vector in descending order; 0 is the largest. NaN compares with nothing and takes the
- * place that the selection leaves it.
+ * place that the selection leaves it, and so do zeros of unlike sign among each other.
  * @return also #StsBadArg for an `N` outside 0 to `len` - 1, #StsMemAlloc
  * @{
  */

@@ -5,10 +5,17 @@
 #include "lyrsr.h"
 
 #include <algorithm>
+#include <cmath>
 #include <type_traits>
 #include <utility>
 
 namespace {
+
+enum class Pivots
+{
+    First, // the first element of the open range, in every pass
+    Free   // another one where that pays
+};
 
 // Whether each element compares with every other: none of them is NaN.
 template <class T>
@@ -17,12 +24,18 @@ bool isOrdered(const T* first, const T* last)
     return std::is_integral_v<T> || std::none_of(first, last, [](T x) { return x != x; });
 }
 
-// What stands at index n of p in descending order, 0 <= n < len. Reorders p.
+template <class T>
+bool holdsZero(const T* p, Elem32s len, bool negative)
+{
+    return std::any_of(p, p + len, [negative](T x) { return x == 0 && std::signbit(x) == negative; });
+}
+
+// Where in p, which it reorders, stands what is at index n in descending order, 0 <= n < len.
 //
 // NaN has no place in an order and gets the one that the passes leave it, counted among what is not below the pivot:
 // the sequence of pivots then decides the result, and is kept.
 template <class T>
-T select(T* p, Elem32s len, Elem32s n)
+const T* select(T* p, Elem32s len, Elem32s n, Pivots pivots)
 {
     Elem32s lo = 0;
     Elem32s hi = len - 1;
@@ -31,7 +44,7 @@ T select(T* p, Elem32s len, Elem32s n)
         if (pivot != pivot) {
             // Nothing is below it or equal to it, so that a pass only takes it to the end.
             if (n == hi) {
-                return pivot;
+                return p + lo;
             }
             std::swap(p[lo], p[hi--]);
             continue;
@@ -58,7 +71,7 @@ T select(T* p, Elem32s len, Elem32s n)
             --first;
         }
         if (first <= n && n < i) {
-            return pivot;
+            return p + i - 1;
         }
         const Elem32s size = hi - lo;
         if (n < first) {
@@ -67,8 +80,8 @@ T select(T* p, Elem32s len, Elem32s n)
             lo = i;
         }
         // A pass that took little away (a vector that is in order, say) has the next one start from the middle element,
-        // unless that could change the result.
-        if (hi - lo > size - size / 8 && isOrdered(p + lo, p + hi + 1)) {
+        // unless that could change the value of the result.
+        if (pivots == Pivots::Free && hi - lo > size - size / 8 && isOrdered(p + lo, p + hi + 1)) {
             std::swap(p[lo], p[lo + (hi - lo) / 2]);
         }
     }
@@ -80,7 +93,15 @@ Status nthMaxElement(T* (*allocate)(Elem32s), const T* src, Elem32s len, Elem32s
     T* const work = allocate(len);
     LYR_CHECK(require(work != nullptr, StsMemAlloc));
     lyr::copyElements(src, work, len);
-    *result = select(work, len, n);
+    const T* selected = select(work, len, n, Pivots::Free);
+    if constexpr (std::is_floating_point_v<T>) {
+        // Zeros of unlike sign are equal and yet two results: which one it is, the sequence of pivots decides.
+        if (*selected == 0 && holdsZero(src, len, true) && holdsZero(src, len, false)) {
+            lyr::copyElements(src, work, len);
+            selected = select(work, len, n, Pivots::First);
+        }
+    }
+    *result = *selected;
     lyrsFree(work);
     return StsNoErr;
 }

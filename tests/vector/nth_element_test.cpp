@@ -172,6 +172,58 @@ TYPED_TEST(NthMaxElement, NanTakesThePlaceThatTheSelectionLeavesIt)
     }
 }
 
+// Zeros of unlike sign are equal, and their bits tell which of them the sequence of exchanges left there.
+TYPED_TEST(NthMaxElement, ZerosOfUnlikeSignTakeThePlaceThatTheSelectionLeavesThem)
+{
+    using T = TypeParam;
+    if constexpr (std::is_floating_point_v<T>) {
+        const T o = 0;
+        // All but the first are in order, so that a pass takes one element away.
+        expectSelection(std::vector<T>{9, -o, -o, -o, o, o, -o, -o, o, o, -1, -o, -o, o, -o, o, -1});
+        Random random(29);
+        for (std::size_t len = 1; len <= 60; ++len) {
+            for (int round = 0; round < 12; ++round) {
+                std::vector<T> v(len);
+                for (T& e : v) {
+                    e = round % 3 == 0 ? static_cast<T>(random.uniform(-1, 1)) : T(0);
+                    if (round % 3 == 2 && random.uniform(0, 4) == 0) {
+                        e = T(-1);
+                    }
+                    e = e == T(0) && random.uniform(0, 1) == 0 ? -o : e;
+                }
+                if (round >= 3 && round < 9) {
+                    std::sort(v.begin(), v.end(), std::greater<T>{});
+                }
+                if (round >= 6) {
+                    v[0] = T(9);
+                }
+                if (round == 11) {
+                    v[len / 2] = std::numeric_limits<T>::quiet_NaN();
+                }
+                expectSelection(v);
+            }
+        }
+    }
+}
+
+// The bits of a NaN, too, are those of the element: one that would signal comes back as it is.
+TYPED_TEST(NthMaxElement, KeepsTheBitsOfANanThatSignals)
+{
+    using T = TypeParam;
+    if constexpr (std::is_floating_point_v<T>) {
+        using Bits = std::conditional_t<sizeof(T) == 4, std::uint32_t, std::uint64_t>;
+        const auto infinity = std::bit_cast<Bits>(std::numeric_limits<T>::infinity());
+        const Bits bits[] = {infinity + 1, infinity + 2, infinity + 3};
+        T x[3];
+        std::memcpy(x, bits, sizeof x);
+        for (const Elem32s len : {1, 2, 3}) {
+            T result = 0;
+            ASSERT_EQ(nth(x, len, len - 1, &result), StsNoErr);
+            EXPECT_EQ(std::memcmp(&result, bits, sizeof result), 0) << "a pass takes the first of them to the end";
+        }
+    }
+}
+
 TYPED_TEST(NthMaxElement, LongVectors)
 {
     using T = TypeParam;
@@ -207,6 +259,13 @@ TYPED_TEST(NthMaxElement, OrderedAndConstantVectorsTakeNoLonger)
         EXPECT_EQ(result, T(3));
     }
     if constexpr (std::numeric_limits<T>::has_quiet_NaN) {
+        // In order, but for a few zeros of either sign.
+        std::iota(x.begin(), x.end(), T(0));
+        x[1] = -T(0);
+        for (const Elem32s n : {0, len / 2, len - 3}) {
+            ASSERT_EQ(nth(x.data(), len, n, &result), StsNoErr);
+            EXPECT_EQ(result, T(len - 1 - n));
+        }
         std::fill(x.begin(), x.end(), std::numeric_limits<T>::quiet_NaN());
         ASSERT_EQ(nth(x.data(), len, len - 1, &result), StsNoErr);
         EXPECT_TRUE(std::isnan(result));
