@@ -154,8 +154,9 @@ LYRSR_API void lyrsFree(void* p);
 /**
  * @name Division
  * `lyrsDiv_32f`, `lyrsDiv_64f`: pDst[i] = pSrc2[i] / pSrc1[i], the first vector being the divisor; in place pSrcDst[i]
- * = pSrcDst[i] / pSrc[i]. A divisor of zero, of either sign, gives an infinity with the sign of the dividend, or NaN
- * where that is zero or NaN.
+ * = pSrcDst[i] / pSrc[i]. A divisor of zero, of either sign, gives an infinity with the sign of the dividend, or the
+ * positive quiet NaN where that is zero or NaN. Elements go in groups of four from the first: a divisor that is NaN
+ * gives that same NaN where its group holds a zero divisor, and else the NaN that the division gives, with no warning.
  * @return #StsNoErr, #StsNullPtr, #StsSize; #StsWarnOverflow if a divisor was zero, with every element written
  * @{
  */

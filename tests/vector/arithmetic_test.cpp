@@ -2,11 +2,16 @@
 
 #include "lyrsr.h"
 
+#include <algorithm>
+#include <bit>
 #include <cmath>
+#include <cstdint>
 #include <gtest/gtest.h>
 #include <limits>
+#include <type_traits>
 #include <vector>
 
+#include "frame/constants.hpp"
 #include "oracle/vector_arithmetic.hpp"
 #include "vector/elementwise.hpp"
 
@@ -193,6 +198,75 @@ TEST(VectorDivision, WarnsOfZeroDivisorsOnly)
             EXPECT_EQ(lyrsDiv_32f(one.data(), dividend.data(), result.data(), len), StsWarnOverflow);
         }
     }
+}
+
+// The bits of every NaN. In a group of four that holds a zero, a divisor of zero or NaN gives the constant; what else
+// is not a number comes from the division, which gives on the NaN of an operand.
+template <class T>
+void expectNanBits(Status (*call)(const T*, const T*, T*, Elem32s), T constant)
+{
+    using Bits = std::conditional_t<sizeof(T) == 4, std::uint32_t, std::uint64_t>;
+    constexpr auto quiet = std::bit_cast<Bits>(std::numeric_limits<T>::quiet_NaN());
+    const auto tagged = [](unsigned tag) { return std::bit_cast<T>(static_cast<Bits>(quiet | tag)); };
+    ASSERT_EQ(std::bit_cast<Bits>(constant), quiet) << "quiet and positive";
+    const T infinity = std::numeric_limits<T>::infinity();
+    const T dividends[] = {0, -T(0), 3, -3, infinity, -infinity, tagged(5), -tagged(6)};
+    const T divisors[] = {0, -T(0), 2, tagged(7), -tagged(8), infinity};
+    Random random(41);
+    const auto pick = [&random](const auto& values, std::size_t count) {
+        return values[static_cast<std::size_t>(random.uniform(0, static_cast<int>(count) - 1))];
+    };
+    for (const std::size_t len : lyr::test::vectorLengths()) {
+        std::vector<T> d(len);
+        std::vector<T> n(len);
+        for (std::size_t i = 0; i < len; ++i) {
+            d[i] = pick(divisors, random.uniform(0, 1) == 0 ? 6 : 2);
+            d[i] = random.uniform(0, 2) != 0 && d[i] == T(0) ? T(4) : d[i];
+            n[i] = pick(dividends, 8);
+        }
+        for (const int place : {0, 1, 2}) {
+            std::vector<T> result(len);
+            auto divisor = d;
+            auto dividend = n;
+            T* const dst = place == 0 ? result.data() : (place == 1 ? divisor.data() : dividend.data());
+            ASSERT_EQ(call(divisor.data(), dividend.data(), dst, static_cast<Elem32s>(len)),
+                      std::count(d.begin(), d.end(), T(0)) != 0 ? StsWarnOverflow : StsNoErr);
+            for (std::size_t i = 0; i < len; ++i) {
+                const auto first = d.begin() + static_cast<std::ptrdiff_t>(i / 4 * 4);
+                const auto last = len - i / 4 * 4 < 4 ? d.end() : first + 4;
+                const bool armed = std::find(first, last, T(0)) != last;
+                const T expected = lyr::oracle::quotient(d[i], n[i]);
+                if (!std::isnan(expected)) {
+                    ASSERT_TRUE(sameBits(dst[i], expected)) << i << " of " << len;
+                } else if (armed && (d[i] == T(0) || std::isnan(d[i]))) {
+                    ASSERT_EQ(std::bit_cast<Bits>(dst[i]), std::bit_cast<Bits>(constant)) << i << " of " << len;
+                } else if (std::isnan(n[i]) || std::isnan(d[i])) {
+                    const T operand = std::isnan(n[i]) ? n[i] : d[i];
+                    ASSERT_EQ(std::bit_cast<Bits>(dst[i]), std::bit_cast<Bits>(operand)) << i << " of " << len;
+                } else {
+                    ASSERT_TRUE(std::isnan(dst[i])) << i << " of " << len;
+                }
+            }
+        }
+    }
+}
+
+TEST(VectorDivision, NanOfAGroupWithAZeroIsTheConstant)
+{
+    expectNanBits<float>(lyrsDiv_32f, lyrConstantOfNAN_32f);
+    expectNanBits<double>(lyrsDiv_64f, lyrConstantOfNAN_64f);
+}
+
+TEST(VectorDivision, NanInPlaceIsTheConstant)
+{
+    const float divisor[] = {0, nan, -0.0F, 3, nan};
+    float x[] = {0, 1, -nan, 0, 1};
+    ASSERT_EQ(lyrsDiv_32f_I(divisor, x, 5), StsWarnOverflow);
+    for (const int i : {0, 1, 2}) {
+        EXPECT_EQ(std::bit_cast<std::uint32_t>(x[i]), std::bit_cast<std::uint32_t>(lyrConstantOfNAN_32f)) << i;
+    }
+    EXPECT_EQ(x[3], 0);
+    EXPECT_TRUE(std::isnan(x[4]));
 }
 
 // The sign of a zero divisor does not count, deliberately.
