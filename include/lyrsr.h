@@ -251,10 +251,12 @@ LYRSR_API Status lyrsRecSqrt_32s16s_Sfs(const Elem32s* pSrc, Elem16s* pDst, Elem
 
 /**
  * @name Bell and sinc
- * exp(-x * x) and sin(x) / x, x in radians, with 1 at zero. `32f64f` forms widen each element to double first. The bell
- * is within 2 units in the last place for the rounded square, sinc within 3 in double and 1 in single precision. Source
+ * exp(-x * x) and sin(x) / x, x in radians, with 1 at zero. `32f64f` forms widen each element to double first. Source
  * and destination may be the same vector where their types are the same; vectors that overlap in part are taken element
- * by element from the first.
+ * by element from the first. The destination may stand at any address, aligned to its elements or not.
+ *
+ * In round to nearest the bell is within 2 units in the last place for the rounded square, sinc within 3.5 in double
+ * and 1 in single precision; in the other rounding modes these are 3, 8 and 2.
  * @{
  */
 LYRSR_API Status lyrsExpNegSqr_32f(const Elem32f* pSrc, Elem32f* pDst, Elem32s len);
@@ -454,8 +456,8 @@ LYRSR_API Status lyrsMagnitude_32sc_Sfs(const Elem32sc* pSrc, Elem32s* pDst, Ele
 
 /**
  * @name Logarithm of single precision
- * pSrcDst[i] = ln pSrcDst[i], within 2 units in the last place. A zero of either sign gives minus infinity, a negative
- * element NaN; plus infinity and NaN stay as they are.
+ * pSrcDst[i] = ln pSrcDst[i], within 2 units in the last place, 3 in a rounding mode other than to nearest. A zero of
+ * either sign gives minus infinity, a negative element NaN; plus infinity and NaN stay as they are.
  * @return #StsNoErr, #StsNullPtr, #StsSize; with every element written, what the first zero or negative element
  * decides: #StsWarnInf for a zero, #StsWarnNan for a negative one
  * @{

@@ -51,6 +51,18 @@ template <class T>
                                          << expected;
 }
 
+// The error in units of the last place of the exact result, which a value of more precision stands for.
+template <class T>
+::testing::AssertionResult withinUnits(T actual, long double exact, double most)
+{
+    const auto unit = static_cast<long double>(ulp(static_cast<T>(exact)));
+    const long double error = std::fabs(static_cast<long double>(actual) - exact) / unit;
+    if (error <= static_cast<long double>(most)) {
+        return ::testing::AssertionSuccess();
+    }
+    return ::testing::AssertionFailure() << actual << " is " << error << " units in the last place from " << exact;
+}
+
 // The same bits; two NaN of whatever bits count as the same.
 template <class T>
 ::testing::AssertionResult sameBits(T actual, T expected)
