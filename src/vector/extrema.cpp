@@ -13,7 +13,11 @@ template <class T>
 void findExtreme(lyr::ExtremeKernel<T>* value, lyr::ExtremeIndexKernel<T>* indexed, const T* src, Elem32s len,
                  T* result, Elem32s* index)
 {
-    *result = index == nullptr ? value(src, len) : indexed(src, len, index);
+    if (index == nullptr) {
+        value(src, len, result);
+    } else {
+        indexed(src, len, result, index);
+    }
 }
 
 } // namespace
@@ -21,28 +25,28 @@ void findExtreme(lyr::ExtremeKernel<T>* value, lyr::ExtremeIndexKernel<T>* index
 Status lyrsMax_32f(const Elem32f* pSrc, Elem32s len, Elem32f* pResult)
 {
     LYR_CHECK(pointers(pSrc, pResult), sizes(len));
-    *pResult = kernels.max32f(pSrc, len);
+    kernels.max32f(pSrc, len, pResult);
     return StsNoErr;
 }
 
 Status lyrsMax_64f(const Elem64f* pSrc, Elem32s len, Elem64f* pResult)
 {
     LYR_CHECK(pointers(pSrc, pResult), sizes(len));
-    *pResult = kernels.max64f(pSrc, len);
+    kernels.max64f(pSrc, len, pResult);
     return StsNoErr;
 }
 
 Status lyrsMin_32f(const Elem32f* pSrc, Elem32s len, Elem32f* pResult)
 {
     LYR_CHECK(pointers(pSrc, pResult), sizes(len));
-    *pResult = kernels.min32f(pSrc, len);
+    kernels.min32f(pSrc, len, pResult);
     return StsNoErr;
 }
 
 Status lyrsMin_64f(const Elem64f* pSrc, Elem32s len, Elem64f* pResult)
 {
     LYR_CHECK(pointers(pSrc, pResult), sizes(len));
-    *pResult = kernels.min64f(pSrc, len);
+    kernels.min64f(pSrc, len, pResult);
     return StsNoErr;
 }
 

@@ -80,9 +80,9 @@ LYR_INLINE VectorOf<T> scan(const T* p, Elem32s len, VectorOf<T> best)
 }
 
 template <class Order, class T>
-T extreme(const T* p, Elem32s len)
+void extreme(const T* p, Elem32s len, T* result)
 {
-    return bestLane<Order>(scan<Order>(p, len, splat(p[0])));
+    *result = bestLane<Order>(scan<Order>(p, len, splat(p[0])));
 }
 
 void minMax(const Elem32f* p, Elem32s len, Elem32f* least, Elem32f* greatest)
@@ -140,12 +140,13 @@ LYR_INLINE std::ptrdiff_t firstPosition(const T* p, Elem32s len, T value)
 constexpr Elem32s piece = 2048;
 
 template <class Order, class T>
-T extremeIndex(const T* p, Elem32s len, Elem32s* index)
+void extremeIndex(const T* p, Elem32s len, T* result, Elem32s* index)
 {
     T best = p[0];
     if (best != best) {
+        *result = best;
         *index = 0;
-        return best;
+        return;
     }
     Elem32s found = 0;
     for (Elem32s at = 0; at < len;) {
@@ -158,8 +159,8 @@ T extremeIndex(const T* p, Elem32s len, Elem32s* index)
         at += count;
     }
     const auto position = found + firstPosition(p + found, len - found, best);
+    *result = p[position]; // of equal zeros the first, with its sign
     *index = static_cast<Elem32s>(position);
-    return p[position]; // of equal zeros the first, with its sign
 }
 
 template <class Order, class T>

@@ -7,13 +7,14 @@
 namespace lyr {
 
 // The extreme that a scan from the first element finds by strict comparison: an element that is not a number is passed
-// over, unless it is the first one, which nothing is better than.
+// over, unless it is the first one, which nothing is better than. Results go through pointers: the 32-bit calling
+// convention returns numbers in an x87 register, and the load there makes a signalling NaN a quiet one.
 template <class T>
-using ExtremeKernel = T(const T* p, Elem32s len);
+using ExtremeKernel = void(const T* p, Elem32s len, T* result);
 
 // The same, and where it first occurs.
 template <class T>
-using ExtremeIndexKernel = T(const T* p, Elem32s len, Elem32s* index);
+using ExtremeIndexKernel = void(const T* p, Elem32s len, T* result, Elem32s* index);
 
 using MinMaxKernel = void(const Elem32f* p, Elem32s len, Elem32f* min, Elem32f* max);
 

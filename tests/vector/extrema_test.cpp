@@ -3,7 +3,10 @@
 #include "lyrsr.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
+#include <cstdint>
+#include <cstring>
 #include <gtest/gtest.h>
 #include <limits>
 #include <vector>
@@ -139,6 +142,51 @@ TEST(VectorExtrema, NanIsPassedOverUnlessItIsFirst)
     EXPECT_EQ(lyrsMaxIndx_32f(front, 3, &value, &index), StsNoErr);
     EXPECT_TRUE(std::isnan(value));
     EXPECT_EQ(index, 0);
+}
+
+// A NaN in front is the result bit by bit, one that would signal too.
+template <class T, class Bits>
+void expectBitsOfFirst(Status (*call)(const T*, Elem32s, T*))
+{
+    const auto infinity = std::bit_cast<Bits>(std::numeric_limits<T>::infinity());
+    const auto sign = std::bit_cast<Bits>(-T(0));
+    for (const Bits bits : {infinity + 1, infinity + 12345, sign | (infinity + 1)}) {
+        for (const std::size_t len : {1U, 2U, 3U, 4U, 7U, 16U, 33U, 34U, 70U, 3000U}) {
+            std::vector<T> x(len, T(1));
+            std::memcpy(x.data(), &bits, sizeof bits);
+            T result = 0;
+            ASSERT_EQ(call(x.data(), static_cast<Elem32s>(len), &result), StsNoErr);
+            ASSERT_EQ(std::memcmp(&result, &bits, sizeof bits), 0) << len;
+        }
+    }
+}
+
+TEST(VectorExtrema, ANanInFrontKeepsItsBits)
+{
+    expectBitsOfFirst<float, std::uint32_t>(lyrsMax_32f);
+    expectBitsOfFirst<float, std::uint32_t>(lyrsMin_32f);
+    expectBitsOfFirst<double, std::uint64_t>(lyrsMax_64f);
+    expectBitsOfFirst<double, std::uint64_t>(lyrsMin_64f);
+    expectBitsOfFirst<float, std::uint32_t>([](const float* p, Elem32s len, float* result) {
+        float other = 0;
+        return lyrsMinMax_32f(p, len, result, &other);
+    });
+    expectBitsOfFirst<float, std::uint32_t>([](const float* p, Elem32s len, float* result) {
+        float other = 0;
+        return lyrsMinMax_32f(p, len, &other, result);
+    });
+    expectBitsOfFirst<float, std::uint32_t>([](const float* p, Elem32s len, float* result) {
+        Elem32s index = -1;
+        return lyrsMaxIndx_32f(p, len, result, &index);
+    });
+    expectBitsOfFirst<float, std::uint32_t>([](const float* p, Elem32s len, float* result) {
+        Elem32s index = -1;
+        return lyrsMinIndx_32f(p, len, result, &index);
+    });
+    expectBitsOfFirst<double, std::uint64_t>([](const double* p, Elem32s len, double* result) {
+        Elem32s index = -1;
+        return lyrsMaxIndx_64f(p, len, result, &index);
+    });
 }
 
 // -------------------------------------------------------------------------------------------------- element by element
