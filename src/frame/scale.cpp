@@ -54,8 +54,10 @@ Elem32f GetScale_32s32f(Elem32s s) noexcept
 Elem64f GetScale_32s64f(Elem32s s) noexcept
 {
     const Elem64s exponent = std::clamp<Elem64s>(-Elem64s{s}, -1087, 1024);
-    const Elem64s coarse =
-        exponent / 64; // toward zero, so that the product is the only rounding on the way to a subnormal
+    if (exponent < -1074) {
+        return 0; // the product would be the smallest number where the caller rounds upward
+    }
+    const Elem64s coarse = exponent / 64; // toward zero, so that every factor and every product is exact
     const Elem64s fine = exponent % 64;
     return intdTable[static_cast<std::size_t>(16 - coarse)] * intfTable[static_cast<std::size_t>(128 - fine)];
 }

@@ -4,6 +4,7 @@
 #include "support/ulp.hpp"
 
 #include <algorithm>
+#include <cfenv>
 #include <cmath>
 #include <gtest/gtest.h>
 #include <limits>
@@ -37,6 +38,19 @@ TEST(GetScale, Doubles)
     for (const Elem32s s : factors()) {
         const int exponent = -std::clamp(s, -1024, 1087);
         EXPECT_TRUE(sameBits(GetScale_32s64f(s), std::ldexp(1.0, exponent))) << s;
+    }
+}
+
+// No product is rounded, and what is below the smallest number is zero even where the caller rounds upward.
+TEST(GetScale, DoublesInEveryRoundingMode)
+{
+    for (const int mode : {FE_UPWARD, FE_DOWNWARD, FE_TOWARDZERO}) {
+        for (const Elem32s s : factors()) {
+            std::fesetround(mode);
+            const Elem64f scale = GetScale_32s64f(s);
+            std::fesetround(FE_TONEAREST);
+            EXPECT_TRUE(sameBits(scale, std::ldexp(1.0, -std::clamp(s, -1024, 1087)))) << s << " mode " << mode;
+        }
     }
 }
 
