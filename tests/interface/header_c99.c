@@ -10,6 +10,41 @@ typedef char elem_sizes[sizeof(Elem8u) == 1 && sizeof(Elem16u) == 2 && sizeof(El
                             ? 1
                             : -1];
 
+/* Every status value, as callers have compiled it in. */
+#define STATUS_IS(name, value) extern char status_value[(name) == (value) ? 1 : -1]
+STATUS_IS(StsNoErr, 0);
+STATUS_IS(StsFail, -2);
+STATUS_IS(StsBadArg, -5);
+STATUS_IS(StsSize, -6);
+STATUS_IS(StsRange, -7);
+STATUS_IS(StsNullPtr, -8);
+STATUS_IS(StsMemAlloc, -9);
+STATUS_IS(StsDivByZero, -10);
+STATUS_IS(StsFftOrder, -15);
+STATUS_IS(StsFftFlag, -16);
+STATUS_IS(StsContext, -17);
+STATUS_IS(StsStep, -37);
+STATUS_IS(StsNoConvergence, -65);
+STATUS_IS(StsCdbkFlag, -66);
+STATUS_IS(StsUpdateFactor, -67);
+STATUS_IS(StsFBankNotReady, -69);
+STATUS_IS(StsFBankFlag, -70);
+STATUS_IS(StsFBankFreq, -71);
+STATUS_IS(StsLspRoots, -114);
+STATUS_IS(StsLspOrder, -115);
+STATUS_IS(StsUnstable, -116);
+STATUS_IS(StsIllConditioned, -117);
+STATUS_IS(StsLenRange, -119);
+STATUS_IS(StsCdbkHint, -9999);
+STATUS_IS(StsWarnSqrtNeg, 3);
+STATUS_IS(StsWarnZero, 4);
+STATUS_IS(StsWarnOverflow, 6);
+STATUS_IS(StsWarnInf, 7);
+STATUS_IS(StsWarnNan, 8);
+STATUS_IS(StsWarnUpdate11, 11);
+STATUS_IS(StsWarnUpdate16, 16);
+STATUS_IS(StsWarnCdbkSize, 31);
+
 int main(void)
 {
     const LibVersion* version = lyrsrGetLibVersion();
