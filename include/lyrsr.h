@@ -202,7 +202,8 @@ LYRSR_API Status lyrsDivC_64f_I(Elem64f val, Elem64f* pSrcDst, Elem32s len);
 
 /**
  * @name Spectra
- * `lyrsMagnitude_32fc`: sqrt(re^2 + im^2) in single precision; the result may be written over the start of the source.
+ * `lyrsMagnitude_32fc`: sqrt(re^2 + im^2) in single precision, the squares too: from 2^64 on the result is an infinity,
+ * and below 2^-63 it loses precision, down to zero. It may be written over the start of the source.
  *
  * `lyrsMulPackConj_32f_I`: two spectra in Pack layout: a real value, pairs (real, imaginary) and, for an even `len`, a
  * last real value. Real values multiply; a pair (a, b) of `pSrc` and (c, d) of `pSrcDst` becomes (a c + b d, b c - a
@@ -279,6 +280,8 @@ LYRSR_API Status lyrsSinC_64f_I(Elem64f* pSrcDst, Elem32s len);
  * 2^qIn: 0 below 1, x^2 below one, 2 one^2 - (2 one - x)^2 below 2 one, 2 one^2 from there. The value is shifted by
  * `scaleFactor` + 2 * `qIn`, to the right by truncation, to the left where that is negative, and limited to 32767. A
  * `qIn` outside 0 to 14 clears the destination.
+ *
+ * Source and destination may be the same vector.
  * @{
  */
 LYRSR_API Status lyrsUnitCurve_32f(const Elem32f* pSrc, Elem32f* pDst, Elem32s len);
@@ -423,13 +426,14 @@ LYRSR_API Status lyrsConvert_32s16s_Sfs(const Elem32s* pSrc, Elem16s* pDst, Elem
 
 /**
  * @defgroup vector_fixed Vector arithmetic in fixed point
+ * Element-wise on vectors of `len` elements, at least 1.
  * @{
  */
 
 /**
  * @name Product
  * pDst[i] = pSrc1[i] * pSrc2[i] * 2^(-scaleFactor), to nearest with ties to even, limited to 16 bits. A scale factor
- * above 30 gives zeros.
+ * above 30 gives zeros. Sources and destination may be the same vector.
  * @return #StsNoErr, #StsNullPtr, #StsSize
  * @{
  */
@@ -441,7 +445,7 @@ LYRSR_API Status lyrsMul_16s_Sfs(const Elem16s* pSrc1, const Elem16s* pSrc2, Ele
  * @name Magnitude
  * pDst[i] = |pSrc[i]| * 2^(-scaleFactor), computed in double precision, limited to 2147483647 and rounded to nearest
  * with ties to even in whatever mode the caller runs. A scale factor above 32 gives zeros; one below -30 gives
- * 2147483647 for every element that is not zero.
+ * 2147483647 for every element that is not zero. The result may be written over the start of the source.
  * @return #StsNoErr, #StsNullPtr, #StsSize
  * @{
  */
@@ -451,6 +455,7 @@ LYRSR_API Status lyrsMagnitude_32sc_Sfs(const Elem32sc* pSrc, Elem32s* pDst, Ele
 
 /**
  * @defgroup vector_log Natural logarithms
+ * Of vectors of `len` elements, at least 1.
  * @{
  */
 
@@ -469,7 +474,7 @@ LYRSR_API Status lyrsLn_32f_I(Elem32f* pSrcDst, Elem32s len);
  * @name Logarithm of integers
  * With `scaleFactor` 0 or above: the integer nearest to ln x, shifted right by `scaleFactor` modulo 32 bits without
  * rounding. Below 0: ln x * 2^(-scaleFactor) from a logarithm of single precision, rounded to nearest and limited to 32
- * bits. A zero or negative element gives -2147483648.
+ * bits. A zero or negative element gives -2147483648. Source and destination may be the same vector.
  * @return #StsNoErr, #StsNullPtr, #StsSize; with every element written, what the first zero or negative element
  * decides: #StsWarnInf for a zero, #StsWarnNan for a negative one
  * @{
@@ -524,7 +529,8 @@ LYRSR_API Status lyrsSum_32s_Sfs(const Elem32s* pSrc, Elem32s len, Elem32s* pSum
 /**
  * @name Dot product
  * *pDp = sum over i of pSrc1[i] * pSrc2[i]: in the precision of the elements (`32f`, `64f`), in double precision
- * (`32f64f`), exact (`16s64s`), or exact and then rounded once (`16s32f`).
+ * (`32f64f`), exact (`16s64s`), or exact and then rounded once (`16s32f`). In the precision of the elements a product
+ * may be fused with the addition that follows, and so not be rounded, or overflow, by itself.
  * @return #StsNoErr, #StsNullPtr, #StsSize
  * @{
  */

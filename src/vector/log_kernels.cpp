@@ -89,7 +89,7 @@ Status nearest32s(const Elem32s* src, Elem32s* dst, Elem32s len, int shift)
 Status scaled32s(const Elem32s* src, Elem32s* dst, Elem32s len, Elem32f factor)
 {
     return mapPositive(src, dst, len, [f = splat(factor)](I32 x) {
-        // No logarithm is zero but that of 1, which an infinite factor makes NaN.
+        // The logarithm of 1 is zero, and stays so under the largest factor, which is finite.
         return toIntLimited(lnNormal(toFloat(x)) * f);
     });
 }

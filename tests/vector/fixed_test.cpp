@@ -80,14 +80,32 @@ TEST(Mul16s, EveryLengthAndOffset)
     }
 }
 
+// Over the first source, over the second, over both.
 TEST(Mul16s, InPlace)
 {
     Random random(7);
-    const auto a = random.vector<Elem16s>(45, -3000, 3000);
-    auto b = a;
-    ASSERT_EQ(lyrsMul_16s_Sfs(b.data(), b.data(), b.data(), 45, 8), StsNoErr);
-    for (std::size_t i = 0; i < a.size(); ++i) {
-        EXPECT_EQ(b[i], lyr::oracle::multiply16s(a[i], a[i], 8));
+    for (const std::size_t len : vectorLengths()) {
+        const auto n = static_cast<Elem32s>(len);
+        const auto a = random.vector<Elem16s>(len, -3000, 3000);
+        const auto b = random.vector<Elem16s>(len, -3000, 3000);
+        for (const Elem32s s : {0, 8, 31, -3}) {
+            const Guarded<Elem16s> first(a, 2);
+            const Guarded<Elem16s> second(b, 0);
+            const Guarded<Elem16s> both(a, Guarded<Elem16s>::flush(len));
+            ASSERT_EQ(lyrsMul_16s_Sfs(first.data(), second.data(), first.data(), n, s), StsNoErr);
+            for (std::size_t i = 0; i < len; ++i) {
+                ASSERT_EQ(first[i], lyr::oracle::multiply16s(a[i], b[i], s)) << i << " of " << len << " scale " << s;
+                ASSERT_EQ(second[i], b[i]);
+            }
+            const Guarded<Elem16s> again(a, 2);
+            ASSERT_EQ(lyrsMul_16s_Sfs(again.data(), second.data(), second.data(), n, s), StsNoErr);
+            ASSERT_EQ(lyrsMul_16s_Sfs(both.data(), both.data(), both.data(), n, s), StsNoErr);
+            for (std::size_t i = 0; i < len; ++i) {
+                ASSERT_EQ(second[i], lyr::oracle::multiply16s(a[i], b[i], s)) << i << " of " << len << " scale " << s;
+                ASSERT_EQ(both[i], lyr::oracle::multiply16s(a[i], a[i], s)) << i << " of " << len << " scale " << s;
+            }
+            ASSERT_TRUE(first.intact() && second.intact() && both.intact());
+        }
     }
 }
 
@@ -168,6 +186,32 @@ TEST(Magnitude32sc, EveryLengthAndOffset)
                         << i << " of " << len;
                 }
                 ASSERT_TRUE(src.intact() && dst.intact());
+            }
+        }
+    }
+}
+
+// The magnitudes over the numbers that they come from, at scales within the working range and beyond either end.
+TEST(Magnitude32sc, OverTheStartOfTheSource)
+{
+    Random random(10);
+    for (const std::size_t len : vectorLengths()) {
+        auto parts = random.vector<Elem32s>(2 * len, -100000, 100000);
+        parts[2 * (len / 2)] = parts[2 * (len / 2) + 1] = 0;
+        for (const std::size_t offset : lyr::test::vectorOffsets<Elem32s>(2 * len)) {
+            for (const Elem32s s : {1, 33, -31}) {
+                const Guarded<Elem32s> both(parts, offset);
+                ASSERT_EQ(lyrsMagnitude_32sc_Sfs(reinterpret_cast<const Elem32sc*>(both.data()), both.data(),
+                                                 static_cast<Elem32s>(len), s),
+                          StsNoErr);
+                for (std::size_t i = 0; i < len; ++i) {
+                    ASSERT_EQ(both[i], lyr::oracle::magnitude32sc({parts[2 * i], parts[2 * i + 1]}, s))
+                        << i << " of " << len << " scale " << s;
+                }
+                for (std::size_t i = len; i < 2 * len; ++i) {
+                    ASSERT_EQ(both[i], parts[i]) << "behind the result";
+                }
+                ASSERT_TRUE(both.intact());
             }
         }
     }

@@ -65,6 +65,19 @@ TEST(VectorSpectrum, MagnitudeOfZeroIsZeroAndOfSubnormalSquaresIsRight)
     EXPECT_EQ(m[4], std::numeric_limits<float>::infinity());
 }
 
+// The squares are of single precision, too.
+TEST(VectorSpectrum, MagnitudeIsLimitedByItsSquares)
+{
+    const Elem32fc z[] = {{0x1p64F, 0}, {0x1.fffffep63F, 0}, {0, -0x1p-75F}, {0x1p-74F, 0}, {0x1p-62F, 0}};
+    float m[5];
+    ASSERT_EQ(lyrsMagnitude_32fc(z, m, 5), StsNoErr);
+    EXPECT_EQ(m[0], std::numeric_limits<float>::infinity());
+    EXPECT_EQ(m[1], 0x1.fffffep63F);
+    EXPECT_EQ(m[2], 0.0F) << "half of the smallest number goes to the even zero";
+    EXPECT_EQ(m[3], 0x1p-74F);
+    EXPECT_EQ(m[4], 0x1p-62F);
+}
+
 TEST(VectorSpectrum, MulPackConj)
 {
     lyr::test::compareBinary<float>({numbers, {}, lyrsMulPackConj_32f_I, [](const auto& x, const auto& y) {
