@@ -73,6 +73,12 @@ TEST(Malloc, SizesAreComputedInTheWidthOfTheAddressSpace)
         EXPECT_EQ(lyrsMalloc_64f(INT32_MAX), nullptr);
         allowAllocations();
         EXPECT_EQ(lastAllocationSize(), std::size_t{INT32_MAX} * 8 + 40);
+    } else {
+        // Not tested for overflow, on purpose: 2^32 + 8 bytes are 8.
+        Elem64f* const p = lyrsMalloc_64f(0x20000001);
+        EXPECT_NE(p, nullptr);
+        EXPECT_EQ(lastAllocationSize(), std::size_t{8 + 36});
+        lyrsFree(p);
     }
 }
 
@@ -154,6 +160,20 @@ void checkTables(T** (*allocate)(Elem32s, Elem32s) noexcept, void (*release)(voi
                 ASSERT_TRUE(buffer.intact());
             }
         }
+    }
+    // Rows of no columns take no room: all of them stand at the first multiple of 32.
+    for (const Elem32s rows : {1, 3, 8}) {
+        const std::size_t size = static_cast<std::size_t>(rows) * word + 28;
+        ASSERT_EQ(getSize(rows, 0), size);
+        T** const table = allocate(rows, 0);
+        ASSERT_NE(table, nullptr);
+        EXPECT_EQ(lastAllocationSize(), size + 32 + word);
+        checkRows(table, table, size, rows, 0);
+        release(table);
+        const lyr::test::Guarded<std::byte> buffer(size, word);
+        init(buffer.data(), rows, 0);
+        checkRows(reinterpret_cast<T**>(buffer.data()), buffer.data(), size, rows, 0);
+        ASSERT_TRUE(buffer.intact());
     }
     failAllocationsAfter(0);
     T** const none = allocate(3, 5);

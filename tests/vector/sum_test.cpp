@@ -153,6 +153,23 @@ TEST(Sum32f, ASourceAtAnyAddress)
     }
 }
 
+// Off the alignment of its elements a vector has no boundary that a head could lead to: blocks are counted from the
+// first element.
+TEST(Sum32f, FastAddsBlocksOfASourceAtAnyAddress)
+{
+    std::vector<float> x(3 * 32768 + 5, 1.0F);
+    std::fill(x.begin(), x.begin() + 32768, 0.0F);
+    x[32767] = 0x1p30F; // the last of the first block
+    for (const std::size_t offset : {1U, 2U, 3U, 5U, 14U, 15U}) {
+        const Guarded<char> src(4 * x.size(), offset);
+        std::memcpy(src.data(), x.data(), 4 * x.size());
+        const auto* const p = reinterpret_cast<const float*>(reinterpret_cast<std::uintptr_t>(src.data()));
+        EXPECT_EQ(sum32f(p, 32768 + 32768, 1), 0x1p30F + 32768.0F) << offset;
+        EXPECT_EQ(sum32f(p, x.size(), 1), 0x1p30F + 65536.0F) << offset;
+        EXPECT_EQ(sum32f(p + 32768, x.size() - 32768, 1), 65541.0F) << offset;
+    }
+}
+
 TEST(Sum32f, SpecialValues)
 {
     constexpr float inf = std::numeric_limits<float>::infinity();
