@@ -8,12 +8,12 @@
 #include <cstdint>
 #include <cstring>
 
-// A memory checker would report the load of a whole last unit, so that under one the tail is taken as the unaligned
-// kernels take it.
-#if defined(__SANITIZE_ADDRESS__)
+// A memory checker would report the load of a whole last unit, and a thread checker one whose rest another thread
+// writes or has freed, so that under them the tail is taken as the unaligned kernels take it.
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 #define LYR_MEMORY_CHECKED 1
 #elif defined(__has_feature)
-#if __has_feature(address_sanitizer)
+#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
 #define LYR_MEMORY_CHECKED 1
 #endif
 #endif
