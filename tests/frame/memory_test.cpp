@@ -199,6 +199,20 @@ TEST(RowTable, EveryName)
     EXPECT_EQ(liveAllocations(), live);
 }
 
+TEST(RowTable, RowsWithoutElements)
+{
+    for (const Elem32s cols : {0, -1, INT32_MIN}) {
+        EXPECT_EQ(lyr::GetSize2_32f(3, cols), 3 * word + 28) << "the table and the slack";
+        Elem32f** const table = lyr::Alloc2_32f(3, cols);
+        ASSERT_NE(table, nullptr);
+        EXPECT_EQ(lastAllocationSize(), 3 * word + 28 + 32 + word);
+        EXPECT_EQ(address(table[0]), address(table) + 32);
+        EXPECT_EQ(table[1], table[0]);
+        EXPECT_EQ(table[2], table[0]);
+        lyr::Free2(table);
+    }
+}
+
 TEST(RowTable, ThreeRowsOfFive)
 {
     EXPECT_EQ(lyr::GetSize2_32s(3, 5), word == 4 ? 136U : 148U);

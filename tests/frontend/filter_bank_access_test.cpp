@@ -148,6 +148,31 @@ TYPED_TEST(FilterBankAccess, WeightsBeyondTheRowAreNotStored)
     EXPECT_EQ(out[101], -1.0F);
 }
 
+// A middle centre below zero makes a right side that is longer than its row, and no left side.
+TYPED_TEST(FilterBankAccess, RightSidesBeyondTheRowAreNotStored)
+{
+    constexpr std::size_t half = 16;
+    constexpr std::size_t count = 27;
+    Owned<TypeParam> owned;
+    Elem32s order = 0;
+    ASSERT_EQ(Api<TypeParam>::empty(&owned.bank, &order, 2 * half, 1, 0), StsNoErr);
+    const std::vector<Elem32s> centers{0, -11, 16};
+    ASSERT_EQ(Api<TypeParam>::setCenters(owned.bank, centers.data()), StsNoErr);
+    const Guarded<float> in(std::vector<float>(count, 1.0F), Guarded<float>::flush(count));
+    ASSERT_EQ(Api<TypeParam>::setCoeffs(owned.bank, 1, in.data()), StsNoErr);
+    for (std::size_t j = 0; j < half; ++j) {
+        EXPECT_EQ(Api<TypeParam>::coefficient(owned->pCoefRight[0][j]), 1.0F) << j;
+        EXPECT_EQ(owned->pCoefRight[1][j], 0) << "in the row behind";
+        EXPECT_EQ(owned->pCoefLeft[0][j], 0);
+    }
+    const Guarded<float> out(count, Guarded<float>::flush(count));
+    ASSERT_EQ(Api<TypeParam>::getCoeffs(owned.bank, 1, out.data()), StsNoErr);
+    for (std::size_t j = 0; j < count; ++j) {
+        EXPECT_EQ(out[j], j < half ? 1.0F : 0.0F) << j;
+    }
+    EXPECT_TRUE(out.intact());
+}
+
 TEST(FilterBankAccess16s, CoefficientsBecomeIntegers)
 {
     Owned<FBankState_16s> owned;

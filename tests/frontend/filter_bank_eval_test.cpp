@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 #include <limits>
 #include <numbers>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -430,7 +431,7 @@ TEST(FilterBankEval, FramesOfIntegers)
             const auto wideSums = lyr::oracle::sums(bank, magnitudes.data(), Product::Wide);
             wrapped = wrapped || narrowSums != wideSums;
             // Of the last two 32 bits would make shifts to the left.
-            for (const int scale : {-20, -14, -3, 0, 2, 9, INT32_MIN, INT32_MAX - 14, INT32_MAX}) {
+            for (const int scale : {-30, -20, -14, -3, 0, 2, 9, INT32_MIN, INT32_MAX - 14, INT32_MAX}) {
                 const std::int64_t shift = std::int64_t{14} + 6 + scale;
                 for (const FBankState_16s* const each :
                      {static_cast<const FBankState_16s*>(owned.bank), static_cast<const FBankState_16s*>(placed)}) {
@@ -506,6 +507,47 @@ TEST(FilterBankEval, RecordsWithoutCentersAreRefused)
     EXPECT_EQ(dst, 7);
     EXPECT_EQ(narrow, 7);
     EXPECT_EQ(wide, 7);
+}
+
+// A record whose work memory a tool has left out still works, as the transform then takes its own; if that cannot be
+// had, the call says so and writes nothing.
+TEST(FilterBankEval, ATransformThatFailsIsTold)
+{
+    Elem32s order = 0;
+    Owned<FBankState_32f> singles;
+    Owned<FBankState_16s> integers;
+    ASSERT_EQ(lyrsMelFBankInitAlloc_32f(&singles.bank, &order, 256, 8000, 64, 4000, 5, 2595, 700, 5), StsNoErr);
+    ASSERT_EQ(lyrsMelFBankInitAlloc_16s(&integers.bank, &order, 256, 8000, 64, 4000, 5, 2595, 700, 5), StsNoErr);
+    Random random(12);
+    const auto x = random.vector<float>(256, -100, 100);
+    const auto n = random.vector<Elem16s>(256, -100, 100);
+    std::vector<float> energies(5);
+    std::vector<Elem16s> narrow(5);
+    std::vector<Elem32s> wide(5);
+    const auto evaluate = [&] {
+        return std::vector<Status>{lyrsEvalFBank_32f(x.data(), energies.data(), singles.bank),
+                                   lyrsEvalFBank_16s_Sfs(n.data(), narrow.data(), integers.bank, -20),
+                                   lyrsEvalFBank_16s32s_Sfs(n.data(), wide.data(), integers.bank, -20)};
+    };
+    ASSERT_EQ(evaluate(), std::vector<Status>(3, StsNoErr));
+    const auto expected = std::make_tuple(energies, narrow, wide);
+
+    auto* const memory = std::exchange(singles->pFFTBuffer, nullptr);
+    auto* const memory16 = std::exchange(integers->pFFTBuffer, nullptr);
+    energies.assign(5, -7);
+    narrow.assign(5, -7);
+    wide.assign(5, -7);
+    lyr::test::failAllocationsAfter(0);
+    const std::vector<Status> failed = evaluate();
+    lyr::test::allowAllocations();
+    EXPECT_EQ(failed, std::vector<Status>(3, StsMemAlloc));
+    EXPECT_EQ(energies, std::vector<float>(5, -7));
+    EXPECT_EQ(narrow, std::vector<Elem16s>(5, -7));
+    EXPECT_EQ(wide, std::vector<Elem32s>(5, -7));
+    EXPECT_EQ(evaluate(), std::vector<Status>(3, StsNoErr));
+    EXPECT_EQ(std::make_tuple(energies, narrow, wide), expected);
+    singles->pFFTBuffer = memory;
+    integers->pFFTBuffer = memory16;
 }
 
 } // namespace

@@ -134,7 +134,7 @@ TEST(Sum32f, FastTakesTheElementsAheadOfABoundaryByThemselves)
 TEST(Sum32f, ASourceAtAnyAddress)
 {
     Random random(23);
-    for (const std::size_t len : {1U, 3U, 4U, 15U, 16U, 17U, 64U, 70U, 257U}) {
+    for (const std::size_t len : {1U, 3U, 4U, 15U, 16U, 17U, 64U, 70U, 257U, 33000U}) {
         const auto x = random.vector<float>(len, -1.0F, 1.0F);
         lyr::oracle::Sum exact;
         for (const float v : x) {
