@@ -75,7 +75,7 @@ public:
         if (place < L) {
             put(ring + capacity + place, scores);
         }
-        made = g + static_cast<std::ptrdiff_t>(sizeof(D) / sizeof(T));
+        made = g + (__is_same(D, T) ? 1 : lanes<VectorOf<T>>);
         while (made - summed > ahead) {
             advance();
         }
