@@ -572,6 +572,12 @@ LYRSR_API Status lyrsDotProd_16s32f(const Elem16s* pSrc1, const Elem16s* pSrc2, 
  *
  * Source and destination of a transform may be the same vector, and nothing is asked of their alignment. The result is
  * the same, bit by bit.
+ *
+ * Inside, values reach up to twice the magnitude of the largest result, so that a transform with results above half the
+ * largest number may overflow. Where the scale is applied last, which is in forward transforms and below order 4, that
+ * is so for the unscaled results. Inverse transforms from order 4 on scale first: their large inputs do not overflow,
+ * but values whose scaled size is subnormal lose digits. An infinity or NaN in one element makes every result that
+ * depends on it an infinity or NaN.
  * @{
  */
 /** State of lyrsFFTFwd_RToPack_32f() and its kin. */
@@ -599,8 +605,9 @@ LYRSR_API Status lyrsFFTGetSize_R_16s32s(Elem32s order, Elem32s flag, Elem32s hi
 
 /**
  * @name Initialisation in the caller's memory
- * @param ppSpec receives the address of the record, which lies inside `pMem`
- * @param pMem the record's memory, which stays the caller's; written also when the flag is refused
+ * @param ppSpec receives the address of the record, which lies inside `pMem`; stays as it is on an error
+ * @param pMem the record's memory, which stays the caller's; written also when the flag or a missing `pInitBuf` is
+ *        refused
  * @param pInitBuf needed from order 11 on, and free again after the call
  * @return #StsNoErr; in this order: #StsNullPtr (`ppSpec`), #StsFftOrder, #StsNullPtr (`pMem`), #StsFftFlag,
  *         #StsNullPtr (`pInitBuf`)
@@ -658,7 +665,7 @@ LYRSR_API Status lyrsFFTInv_PackToR_32f(const Elem32f* pSrc, Elem32f* pDst, cons
 /**
  * Spectrum of 16-bit samples in CCS order. The samples are transformed in single precision with the scaling of the
  * record; the results are divided by 2^scaleFactor, rounded to the nearest integer with ties to even, and limited to
- * 32 bits.
+ * 32 bits, as by lyrsConvert_32f32s_Sfs().
  * @param pSrc N samples
  * @param pDst N + 2 elements, 2 where N is 1; it may start where the samples do
  * @param pSpec the record
@@ -693,7 +700,10 @@ LYRSR_API Status lyrsFFTFwd_RToCCS_16s32s_Sfs(const Elem16s* pSrc, Elem32s* pDst
  * Above the cut-off the floor does not apply. In log-addition and log-sum a NaN operand gives NaN, and so do two
  * infinities of the same sign.
  *
- * `Sfs` forms hold the log value times 2^scaleFactor, and truncate and saturate their results.
+ * `Sfs` forms hold the log value times 2^scaleFactor, and truncate and saturate their results. Operands that a negative
+ * `scaleFactor` takes beyond single precision are infinite there. Where the scale itself is infinite, a 0 is NaN: in
+ * log-addition from -128 down, with every result NaN from -150 down, and in log-sum from -1024 down. `Sfs` log-addition
+ * stores NaN as -2147483648 in 32 bits and as 32767 in 16, log-sum as the lower limit.
  *
  * All of them return #StsNoErr; in this order: #StsSize, #StsNullPtr, and where told #StsRange.
  * @{
@@ -705,7 +715,7 @@ LYRSR_API Status lyrsFFTFwd_RToCCS_16s32s_Sfs(const Elem16s* pSrc, Elem32s* pDst
  * @param hint how the single-precision and fixed-point forms evaluate the polynomial. 0: in double precision. 1: in
  * single precision. 2: one element at a time, from the last to the first, in the widest precision of the processor.
  * `lyrsLogAdd_64f` has one way for all three. Any other value adds nothing and is no error; fixed-point elements then
- * still go to single precision and back, which shows above 2^24.
+ * still go to single precision and back, which shows above 2^24 and where the scale is beyond single precision.
  * @{
  */
 LYRSR_API Status lyrsLogAdd_32f(const Elem32f* pSrc, Elem32f* pSrcDst, Elem32s len, Elem32s hint);
@@ -719,13 +729,14 @@ LYRSR_API Status lyrsLogAdd_16s_Sfs(const Elem16s* pSrc, Elem16s* pSrcDst, Elem3
 /**
  * @name Log-subtraction
  * pSrcDst[i] = log(exp(pSrc[i]) - exp(pSrcDst[i])), the in-place operand being the subtrahend. d = pSrcDst[i] - pSrc[i]
- * in the precision of the type; log(1 - exp(d)) in double precision. A d below the cut-off leaves pSrc[i], no lower
- * than the floor; so do a NaN subtrahend and two equal infinities. The floor also stands where exp(d) rounds to one.
+ * in the precision of the type; log(1 - exp(d)) in double precision. A d below the cut-off leaves pSrc[i], but the
+ * floor where pSrc[i] is below what the table tells; so do a NaN subtrahend and two equal infinities. A NaN minuend
+ * stays. The floor also stands where exp(d) rounds to one.
  *
  * The fixed-point forms scale d, but add the logarithm to the unscaled pSrc[i], limit the sum to 32 bits and truncate
  * it; the 16-bit form stores the low 16 bits of that.
  * @return #StsRange with nothing written if any d is 0 or more. A NaN is not, two equal infinities are not.
- * `lyrsLogSub_32s_Sfs` tests the difference as it wraps in 32 bits.
+ * `lyrsLogSub_32s_Sfs` tests the difference as it wraps in 32 bits; a d of 0 or more that passes so gives the floor.
  * @{
  */
 LYRSR_API Status lyrsLogSub_32f(const Elem32f* pSrc, Elem32f* pSrcDst, Elem32s len);

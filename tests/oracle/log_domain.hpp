@@ -211,7 +211,8 @@ T logAddFixed(T a, T b, int scaleFactor, int hint)
         fb = logAddHint(fa, fb, hint);
     }
     const float r = scaleFactor == 0 ? fb : fb * scale<float>(-static_cast<std::int64_t>(scaleFactor));
-    return truncated<T>(static_cast<long double>(r));
+    // The conversion to 16 bits takes NaN for large, that to 32 bits for low.
+    return std::isnan(r) && sizeof(T) == 2 ? std::numeric_limits<T>::max() : truncated<T>(static_cast<long double>(r));
 }
 
 template <class T>

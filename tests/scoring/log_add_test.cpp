@@ -364,17 +364,72 @@ TEST(LogAddFixedPoint, TruncatesAndSaturates)
     EXPECT_EQ(b[2], 100) << "100.69 toward zero";
 }
 
+template <class T>
+T fixedSum(T a, T b, Elem32s scaleFactor, Elem32s hint = 0)
+{
+    T result = b;
+    EXPECT_EQ(logAddFixed(&a, &result, 1, scaleFactor, hint), StsNoErr);
+    return result;
+}
+
+// Where a scale is zero, subnormal or infinite as a single, on the way there or back.
+template <class T>
+void compareExtremeScales()
+{
+    constexpr T low = std::numeric_limits<T>::min();
+    constexpr T high = std::numeric_limits<T>::max();
+    const std::vector<T> values{0, 1, -1, 4, 5, -5, 100, -100, high, low};
+    for (const Elem32s scaleFactor : {INT32_MIN, -2000, -1024, -200, -150, -149, -129, -128, -127, -113,     112,
+                                      126,       127,   128,   148,  149,  150,  151,  1074, 2000, INT32_MAX}) {
+        for (const Elem32s hint : {0, 1, 2, 3}) {
+            for (const T a : values) {
+                for (const T b : values) {
+                    ASSERT_EQ(fixedSum(a, b, scaleFactor, hint), lyr::oracle::logAddFixed(a, b, scaleFactor, hint))
+                        << a << " and " << b << " scale " << scaleFactor << " hint " << hint;
+                }
+            }
+        }
+    }
+}
+
 TEST(LogAddFixedPoint, ExtremeScaleFactors)
 {
-    for (const Elem32s scaleFactor : {INT32_MIN, -2000, -128, 150, 2000, INT32_MAX}) {
-        const Elem32s a[2] = {5, 7};
-        Elem32s b[2] = {4, 9};
-        EXPECT_EQ(lyrsLogAdd_32s_Sfs(a, b, 2, scaleFactor, 0), StsNoErr) << scaleFactor;
+    compareExtremeScales<Elem32s>();
+    compareExtremeScales<Elem16s>();
+    for (const Elem32s scaleFactor : {150, 2000, INT32_MAX}) {
+        EXPECT_EQ(fixedSum<Elem32s>(5, 4, scaleFactor), INT32_MAX) << "log 2 times infinity";
+        EXPECT_EQ(fixedSum<Elem16s>(-5, 4, scaleFactor), INT16_MAX);
     }
-    const Elem32s a = 1000000;
-    Elem32s b = -1000000;
-    ASSERT_EQ(lyrsLogAdd_32s_Sfs(&a, &b, 1, 149, 0), StsNoErr);
-    EXPECT_EQ(b, INT32_MAX) << "both scale to next to nothing, and log 2 back up to the limit";
+    EXPECT_EQ(fixedSum<Elem32s>(1000000, -1000000, 149), INT32_MAX)
+        << "both scale to next to nothing, and log 2 back up to the limit";
+    EXPECT_EQ(fixedSum<Elem32s>(5, -5, -128), INT32_MAX) << "infinity, and the sign of the larger one";
+}
+
+// 2^128 is infinite as a single, though not as a double: 0 times it is NaN, where a double would leave 0.
+TEST(LogAddFixedPoint, ScaleIsRoundedToSingle)
+{
+    for (const Elem32s scaleFactor : {-128, -200, -1000}) {
+        for (const Elem32s hint : {0, 1, 2}) {
+            EXPECT_EQ(fixedSum<Elem32s>(0, 5, scaleFactor, hint), INT32_MIN);
+            EXPECT_EQ(fixedSum<Elem32s>(0, -5, scaleFactor, hint), INT32_MIN);
+            EXPECT_EQ(fixedSum<Elem16s>(0, -5, scaleFactor, hint), INT16_MAX);
+        }
+    }
+}
+
+// What the conversions of singles make of NaN: the lower limit in 32 bits, where its sign is set, the upper one in 16.
+TEST(LogAddFixedPoint, NanIsLowIn32BitsAndHighIn16)
+{
+    for (const Elem32s scaleFactor : {INT32_MIN, -2000, -150, -128}) {
+        for (const Elem32s hint : {0, 1, 2}) {
+            EXPECT_EQ(fixedSum<Elem32s>(0, 0, scaleFactor, hint), INT32_MIN) << "NaN of 0 times infinity";
+            EXPECT_EQ(fixedSum<Elem16s>(0, 0, scaleFactor, hint), INT16_MAX);
+            EXPECT_EQ(fixedSum<Elem32s>(7, 9, scaleFactor, hint), INT32_MIN) << "NaN of two infinities";
+            EXPECT_EQ(fixedSum<Elem16s>(7, 9, scaleFactor, hint), INT16_MAX);
+        }
+        EXPECT_EQ(fixedSum<Elem32s>(0, 0, scaleFactor, 3), INT32_MIN) << "NaN without an addition";
+        EXPECT_EQ(fixedSum<Elem16s>(0, 0, scaleFactor, 3), INT16_MAX);
+    }
 }
 
 } // namespace

@@ -136,6 +136,8 @@ TEST(LogSub, SpecialValues)
 TEST(LogSub, NanAndEqualInfinitiesPassTheTest)
 {
     EXPECT_TRUE(std::isnan(differenceOf(nan<float>, 0.0F)));
+    EXPECT_TRUE(std::isnan(differenceOf(nan<float>, nan<float>)));
+    EXPECT_TRUE(std::isnan(differenceOf(nan<double>, 0.0)));
     EXPECT_EQ(differenceOf(1.0F, nan<float>), 1.0F) << "not at or above the cut-off";
     EXPECT_EQ(differenceOf(inf<float>, inf<float>), inf<float>);
     EXPECT_EQ(differenceOf(-inf<float>, -inf<float>), -4500000.0F);
@@ -262,7 +264,12 @@ TEST(LogSubFixedPoint, TheDifferenceOf32BitsWraps)
     Elem32s above = INT32_MAX;
     const Elem32s below = INT32_MIN;
     EXPECT_EQ(lyrsLogSub_32s_Sfs(&below, &above, 1, 0), StsNoErr) << "though it is far above";
-    EXPECT_EQ(above, -4500000);
+    EXPECT_EQ(above, -4500000) << "the floor";
+    for (const Elem32s scaleFactor : {INT32_MIN, -5, 40, 150}) {
+        Elem32s farAbove = INT32_MAX;
+        EXPECT_EQ(lyrsLogSub_32s_Sfs(&below, &farAbove, 1, scaleFactor), StsNoErr);
+        EXPECT_EQ(farAbove, -4500000) << "whatever its scale, scale factor " << scaleFactor;
+    }
 }
 
 TEST(LogSubFixedPoint, NoLowerThanTheFloor)

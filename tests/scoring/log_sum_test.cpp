@@ -122,7 +122,9 @@ void compareFixed()
         lengths.push_back(len);
     }
     for (const std::size_t len : lengths) {
-        for (const int scaleFactor : {0, 1, 5, 8, 15, 24, 31, 100, 160, 2000, -1, -3, -20, -90, -127, INT32_MAX}) {
+        for (const int scaleFactor :
+             {0,         1,  5,  8,   15,  24,   31,   100,  150,   160,   1074,  1087,     2000,
+              INT32_MAX, -1, -3, -20, -90, -127, -128, -200, -1023, -1024, -2000, INT32_MIN}) {
             for (const bool close : {false, true}) {
                 const auto v = close ? random.vector<T>(len, T(-1000), T(1000)) : random.vector<T>(len, low, high);
                 const Guarded<T> x(v, Guarded<T>::flush(len));
@@ -166,12 +168,53 @@ TEST(LogSumFixedPoint, TruncatesAndSaturates)
     EXPECT_EQ(result, 1768) << "256 * log(1000) = 1768.4";
 }
 
-TEST(LogSumFixedPoint, LowestScaleFactor)
+template <class T>
+T fixedSum(const std::vector<T>& x, Elem32s scaleFactor)
 {
-    const Elem32s x[2] = {5, 5};
-    Elem32s result = 17;
-    EXPECT_EQ(lyrsLogSum_32s_Sfs(x, &result, 2, INT32_MIN), StsNoErr) << "infinities, and NaN of them";
-    EXPECT_EQ(result, INT32_MIN);
+    T result = 17;
+    EXPECT_EQ(logSumFixed(x.data(), &result, static_cast<Elem32s>(x.size()), scaleFactor), StsNoErr);
+    return result;
+}
+
+// The scale stays a double: nine zeros times 2^200 are zeros, where times an infinite single they would be NaN.
+TEST(LogSumFixedPoint, ScaleIsNotRoundedToSingle)
+{
+    for (const std::size_t len : {2U, 6U, 7U, 9U, 130U}) {
+        for (const Elem32s scaleFactor : {-128, -200, -1023}) {
+            EXPECT_EQ(fixedSum(std::vector<Elem32s>(len, 0), scaleFactor), 0) << "log(len) / 2^200";
+            EXPECT_EQ(fixedSum(std::vector<Elem16s>(len, 0), scaleFactor), 0);
+        }
+    }
+    EXPECT_EQ(fixedSum<Elem32s>({5, 4}, -200), INT32_MAX) << "beyond single precision, and divided by the scale";
+    EXPECT_EQ(fixedSum<Elem16s>({5, 4}, -200), INT16_MAX);
+    EXPECT_EQ(fixedSum<Elem16s>({-5, -7}, -200), 0) << "the floor, divided by the scale";
+}
+
+TEST(LogSumFixedPoint, NanIsTheLowerLimit)
+{
+    const std::vector<Elem16s> seven(7, 5);
+    EXPECT_EQ(fixedSum(seven, -128), INT16_MIN) << "two infinities make NaN";
+    EXPECT_EQ(fixedSum(seven, -200), INT16_MIN);
+    EXPECT_EQ(fixedSum(std::vector<Elem32s>(7, 5), -200), INT32_MIN);
+    for (const std::size_t len : {2U, 6U, 7U, 9U, 130U}) {
+        for (const Elem32s scaleFactor : {-1024, -2000, INT32_MIN}) {
+            EXPECT_EQ(fixedSum(std::vector<Elem16s>(len, 0), scaleFactor), INT16_MIN) << "0 times infinity";
+            EXPECT_EQ(fixedSum(std::vector<Elem16s>(len, 5), scaleFactor), INT16_MIN);
+            EXPECT_EQ(fixedSum(std::vector<Elem32s>(len, 0), scaleFactor), INT32_MIN);
+            EXPECT_EQ(fixedSum(std::vector<Elem32s>(len, 5), scaleFactor), INT32_MIN);
+        }
+    }
+}
+
+// A scale of nothing: the operands are 0, and their sum divided by it is beyond any limit.
+TEST(LogSumFixedPoint, ScaleOfNothing)
+{
+    for (const std::size_t len : {2U, 6U, 7U, 130U}) {
+        for (const Elem32s scaleFactor : {150, 1087, 2000, INT32_MAX}) {
+            EXPECT_EQ(fixedSum(std::vector<Elem32s>(len, -5), scaleFactor), INT32_MAX);
+            EXPECT_EQ(fixedSum(std::vector<Elem16s>(len, -5), scaleFactor), INT16_MAX);
+        }
+    }
 }
 
 } // namespace
