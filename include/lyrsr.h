@@ -575,9 +575,9 @@ LYRSR_API Status lyrsDotProd_16s32f(const Elem16s* pSrc1, const Elem16s* pSrc2, 
  *
  * Inside, values reach up to twice the magnitude of the largest result, so that a transform with results above half the
  * largest number may overflow. Where the scale is applied last, which is in forward transforms and below order 4, that
- * is so for the unscaled results. Inverse transforms from order 4 on scale first: their large inputs do not overflow,
- * but values whose scaled size is subnormal lose digits. An infinity or NaN in one element makes every result that
- * depends on it an infinity or NaN.
+ * is so for the unscaled results. Inverse transforms from order 4 on scale early: values whose scaled size is subnormal
+ * lose digits, and sums of inputs near the top of the range may overflow before. An infinity or NaN in one element
+ * makes every result that depends on it an infinity or NaN.
  * @{
  */
 /** State of lyrsFFTFwd_RToPack_32f() and its kin. */
