@@ -12,6 +12,7 @@
 
 #include "frame/layout.hpp"
 #include "frame/simd.hpp"
+#include "frame/simd_lanes.hpp"
 #include "scoring/weights.hpp"
 
 #include <type_traits>
@@ -25,27 +26,6 @@ template <class V>
 LYR_INLINE V addWeighted(V sum, V d, V w)
 {
     return mulAdd(d * d, w, sum);
-}
-
-// A vector of T from elements of S: the same type, or singles widened to double before anything is computed.
-template <class A, class T, class S>
-LYR_INLINE VectorOf<T> loadAs(const S* p)
-{
-    if constexpr (__is_same(S, T)) {
-        return load<A>(p);
-    } else {
-        return loadWide(p);
-    }
-}
-
-template <class A, class T, class S>
-LYR_INLINE VectorOf<T> loadTailAs(const S* p, int n)
-{
-    if constexpr (__is_same(S, T)) {
-        return loadTail<A>(p, n);
-    } else {
-        return loadWideTail(p, n);
-    }
 }
 
 // The rows of one step of R rows, resolved to pointers.
@@ -117,10 +97,10 @@ LYR_INLINE void rowSums(VectorOf<T>* out, Rows rows, std::ptrdiff_t first, const
     constexpr int L = lanes<VectorOf<T>>;
     std::ptrdiff_t i = 0;
     for (; i + L <= width; i += L) {
-        step<Weights, T>(sums, row, shared, weight, i, [](const S* p) { return loadAs<A, T>(p); });
+        step<Weights, T>(sums, row, shared, weight, i, [](const S* p) { return loadLanes<T, A>(p); });
     }
     if (const int rest = static_cast<int>(width - i); rest != 0) {
-        step<Weights, T>(sums, row, shared, weight, i, [rest](const S* p) { return loadTailAs<A, T>(p, rest); });
+        step<Weights, T>(sums, row, shared, weight, i, [rest](const S* p) { return loadLanesTail<T, A>(p, rest); });
     }
     for (int k = 0; k < R; ++k) {
         out[k] = sums[k];

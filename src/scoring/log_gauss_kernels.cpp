@@ -50,23 +50,23 @@ LYR_INLINE T distance(const S* x, const S* mean, const S* var, Elem32s len)
     using V = VectorOf<T>;
     constexpr int L = lanes<V>;
     constexpr bool weighted = !__is_same(Weight, Unit);
-    const auto weight = [var](std::ptrdiff_t at) { return weighted ? loadAs<A, T>(var + at) : V{}; };
+    const auto weight = [var](std::ptrdiff_t at) { return weighted ? loadLanes<T, A>(var + at) : V{}; };
     V even{};
     V odd{};
     std::ptrdiff_t i = 0;
     for (; i + 2 * L <= len; i += 2 * L) {
-        even = Weight::add(even, loadAs<A, T>(x + i) - loadAs<A, T>(mean + i), weight(i));
-        odd = Weight::add(odd, loadAs<A, T>(x + i + L) - loadAs<A, T>(mean + i + L), weight(i + L));
+        even = Weight::add(even, loadLanes<T, A>(x + i) - loadLanes<T, A>(mean + i), weight(i));
+        odd = Weight::add(odd, loadLanes<T, A>(x + i + L) - loadLanes<T, A>(mean + i + L), weight(i + L));
     }
     if (i + L <= len) {
-        even = Weight::add(even, loadAs<A, T>(x + i) - loadAs<A, T>(mean + i), weight(i));
+        even = Weight::add(even, loadLanes<T, A>(x + i) - loadLanes<T, A>(mean + i), weight(i));
         i += L;
     }
     if (const int rest = static_cast<int>(len - i); rest != 0) {
-        const V d = loadTailAs<A, T>(x + i, rest) - loadTailAs<A, T>(mean + i, rest);
+        const V d = loadLanesTail<T, A>(x + i, rest) - loadLanesTail<T, A>(mean + i, rest);
         V v{};
         if constexpr (weighted) {
-            v = loadTailAs<A, T>(var + i, rest);
+            v = loadLanesTail<T, A>(var + i, rest);
         }
         if constexpr (__is_same(Weight, Divided)) {
             v = firstLanes64(rest) ? v : splat(T{1});

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "oracle/mixture.hpp"
+#include "scoring/mixture_model.hpp"
 #include "support/guarded.hpp"
 #include "support/random.hpp"
 
@@ -22,37 +23,16 @@ constexpr Elem32s height = 21;
 constexpr Elem32s width = 39;
 constexpr Elem32s step = 40;
 
-struct Singles
-{
-    using Element = float;
-    static constexpr auto multi = lyrsLogGaussMultiMix_32f_D2;
-    static constexpr auto multiTable = lyrsLogGaussMultiMix_32f_D2L;
-    static constexpr auto max = lyrsLogGaussMaxMultiMix_32f_D2;
-    static constexpr auto maxTable = lyrsLogGaussMaxMultiMix_32f_D2L;
-    static constexpr auto mixture = lyrsLogGaussMixture_32f_D2;
-    static constexpr auto mixtureTable = lyrsLogGaussMixture_32f_D2L;
-};
-
-struct Doubles
-{
-    using Element = double;
-    static constexpr auto multi = lyrsLogGaussMultiMix_64f_D2;
-    static constexpr auto multiTable = lyrsLogGaussMultiMix_64f_D2L;
-    static constexpr auto max = lyrsLogGaussMaxMultiMix_64f_D2;
-    static constexpr auto maxTable = lyrsLogGaussMaxMultiMix_64f_D2L;
-    static constexpr auto mixture = lyrsLogGaussMixture_64f_D2;
-    static constexpr auto mixtureTable = lyrsLogGaussMixture_64f_D2L;
-};
-
-template <class Family>
+template <class T>
 class MixtureAlignment : public testing::Test
 {};
-using Families = testing::Types<Singles, Doubles>;
-TYPED_TEST_SUITE(MixtureAlignment, Families);
+using Elements = testing::Types<float, double>;
+TYPED_TEST_SUITE(MixtureAlignment, Elements);
 
 TYPED_TEST(MixtureAlignment, OneVectorOffTheBoundary)
 {
-    using T = typename TypeParam::Element;
+    using T = TypeParam;
+    using Members = lyr::test::Family<T>;
     constexpr auto rows = static_cast<std::size_t>(height);
     enum Vector
     {
@@ -106,24 +86,23 @@ TYPED_TEST(MixtureAlignment, OneVectorOffTheBoundary)
         for (const bool table : {false, true}) {
             SCOPED_TRACE(table ? "table" : "block");
             const Guarded<T> each(constant, 0);
-            ASSERT_EQ(table
-                          ? TypeParam::multiTable(meanRows.data(), varRows.data(), x.data(), width, each.data(), height)
-                          : TypeParam::multi(means.data(), vars.data(), step, x.data(), width, each.data(), height),
+            ASSERT_EQ(table ? Members::multiTable(meanRows.data(), varRows.data(), x.data(), width, each.data(), height)
+                            : Members::multi(means.data(), vars.data(), step, x.data(), width, each.data(), height),
                       StsNoErr);
             expectScores(each);
             const Guarded<T> best(std::vector<T>(rows, T(-1e30)), 0);
-            ASSERT_EQ(table ? TypeParam::maxTable(meanRows.data(), varRows.data(), x.data(), width, gconst.data(),
-                                                  best.data(), height)
-                            : TypeParam::max(means.data(), vars.data(), step, x.data(), width, gconst.data(),
-                                             best.data(), height),
+            ASSERT_EQ(table ? Members::maxTable(meanRows.data(), varRows.data(), x.data(), width, gconst.data(),
+                                                best.data(), height)
+                            : Members::max(means.data(), vars.data(), step, x.data(), width, gconst.data(), best.data(),
+                                           height),
                       StsNoErr);
             expectScores(best);
             T sum = 0;
-            ASSERT_EQ(table ? TypeParam::mixtureTable(x.data(), meanRows.data(), varRows.data(), height, width,
-                                                      gconst.data(), &sum)
-                            : TypeParam::mixture(x.data(), means.data(), vars.data(), height, step, width,
-                                                 gconst.data(), &sum),
-                      StsNoErr);
+            ASSERT_EQ(
+                table ? Members::mixtureTable(x.data(), meanRows.data(), varRows.data(), height, width, gconst.data(),
+                                              &sum)
+                      : Members::mixture(x.data(), means.data(), vars.data(), height, step, width, gconst.data(), &sum),
+                StsNoErr);
             EXPECT_NEAR(static_cast<double>(sum), static_cast<double>(total), static_cast<double>(bound));
         }
     }
