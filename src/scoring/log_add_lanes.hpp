@@ -170,30 +170,42 @@ LYR_INLINE V inOrder(V v)
     return v;
 }
 
-// p(t) by Horner's rule.
-template <class V, class I, class T, int N>
-LYR_INLINE V horner(const CoefficientRows<T, N>& rows, I interval, V t)
+// p(t) by Horner's rule, of K vectors side by side: while the chain of one waits for its last step, the others run.
+template <class V, class I, class T, int N, int K>
+LYR_INLINE void horner(V (&p)[K], const CoefficientRows<T, N>& rows, const I (&interval)[K], const V (&t)[K])
 {
-    V p = choose<V>(rows.power[0], interval);
-    for (int i = 1; i < N; ++i) {
-        p = inOrder(p * t + choose<V>(rows.power[i], interval));
+    for (int k = 0; k < K; ++k) {
+        p[k] = choose<V>(rows.power[0], interval[k]);
     }
-    return p;
+    for (int i = 1; i < N; ++i) {
+        for (int k = 0; k < K; ++k) {
+            p[k] = inOrder(p[k] * t[k] + choose<V>(rows.power[i], interval[k]));
+        }
+    }
 }
 
 // p(t) as two polynomials in t squared: half the chain of dependent steps.
-template <class V, class I, class T, int N>
-LYR_INLINE V evenOdd(const CoefficientRows<T, N>& rows, I interval, V t)
+template <class V, class I, class T, int N, int K>
+LYR_INLINE void evenOdd(V (&p)[K], const CoefficientRows<T, N>& rows, const I (&interval)[K], const V (&t)[K])
 {
-    const V square = t * t;
-    V first = choose<V>(rows.power[0], interval);
-    V second = choose<V>(rows.power[1], interval);
+    V square[K];
+    V first[K];
+    V second[K];
+    for (int k = 0; k < K; ++k) {
+        square[k] = t[k] * t[k];
+        first[k] = choose<V>(rows.power[0], interval[k]);
+        second[k] = choose<V>(rows.power[1], interval[k]);
+    }
     for (int i = 2; i < N; ++i) {
-        V& p = i % 2 == 0 ? first : second;
-        p = inOrder(p * square + choose<V>(rows.power[i], interval));
+        V(&turn)[K] = i % 2 == 0 ? first : second;
+        for (int k = 0; k < K; ++k) {
+            turn[k] = inOrder(turn[k] * square[k] + choose<V>(rows.power[i], interval[k]));
+        }
     }
     // The constant term is in the one that comes last.
-    return N % 2 == 0 ? first * t + second : second * t + first;
+    for (int k = 0; k < K; ++k) {
+        p[k] = N % 2 == 0 ? first[k] * t[k] + second[k] : second[k] * t[k] + first[k];
+    }
 }
 
 #if LYR_WIDTH == 512
@@ -226,6 +238,8 @@ struct LogAddStep
     V larger;
     V difference;
     V withoutSmaller; // the result where the difference is below the cut-off
+
+    LYR_INLINE LogAddStep() {} // to be filled in
 
     // The comparisons are such that a NaN operand makes the difference NaN, and that passes for the polynomial.
     LYR_INLINE LogAddStep(V a, V b, const LogAddLimits& limit)
@@ -267,44 +281,84 @@ struct LogAddStep
     }
 };
 
-// Everything in single precision.
-template <class V>
-LYR_INLINE V logAddSingle(V a, V b)
+// a[k] becomes the log-sum of a[k] and b[k], K pairs of vectors side by side. addPolynomials turns larger operands into
+// sums where the smaller ones count.
+template <class T, int K, class V, class AddPolynomials>
+LYR_INLINE void logAddEach(V (&a)[K], const V (&b)[K], const LogAddLimits& limit, AddPolynomials addPolynomials)
 {
-    const LogAddStep<Elem32f, V> step(a, b, singleLogAdd);
-    if (step.ignoresEverySmaller(singleLogAdd)) {
-        return step.withoutSmaller;
+    using Step = LogAddStep<T, V>;
+    Step step[K];
+    bool ignoresEverySmaller = true;
+    for (int k = 0; k < K; ++k) {
+        step[k] = Step(a[k], b[k], limit);
+        ignoresEverySmaller = step[k].ignoresEverySmaller(limit) && ignoresEverySmaller;
     }
-    const auto interval = step.interval(singleLogAdd);
-    const V t = step.t(singleLogAdd);
-    return step.result(step.larger + horner(singleRows, interval, t), singleLogAdd);
+    if (ignoresEverySmaller) {
+        for (int k = 0; k < K; ++k) {
+            a[k] = step[k].withoutSmaller;
+        }
+        return;
+    }
+    V sum[K];
+    typename Step::Mask interval[K];
+    V t[K];
+    for (int k = 0; k < K; ++k) {
+        sum[k] = step[k].larger;
+        interval[k] = step[k].interval(limit);
+        t[k] = step[k].t(limit);
+    }
+    addPolynomials(sum, interval, t);
+    for (int k = 0; k < K; ++k) {
+        a[k] = step[k].result(sum[k], limit);
+    }
+}
+
+// Everything in single precision.
+template <int K, class V>
+LYR_INLINE void logAddSingle(V (&a)[K], const V (&b)[K])
+{
+    logAddEach<Elem32f>(a, b, singleLogAdd, [](V(&sum)[K], const auto& interval, const V(&t)[K]) LYR_INLINE_LAMBDA {
+        V p[K];
+        horner(p, singleRows, interval, t);
+        for (int k = 0; k < K; ++k) {
+            sum[k] = sum[k] + p[k];
+        }
+    });
 }
 
 // t in single precision, the polynomial and the sum in double precision, the result rounded to single.
-LYR_INLINE F32 logAddAccurate(F32 a, F32 b)
+template <int K>
+LYR_INLINE void logAddAccurate(F32 (&a)[K], const F32 (&b)[K])
 {
-    const LogAddStep<Elem32f, F32> step(a, b, singleLogAdd);
-    if (step.ignoresEverySmaller(singleLogAdd)) {
-        return step.withoutSmaller;
-    }
-    const I32 interval = step.interval(singleLogAdd);
-    const F32 t = step.t(singleLogAdd);
-    const F64 low = widenLower(step.larger) + evenOdd(accurateRows, widenLower(interval), widenLower(t));
-    const F64 high = widenUpper(step.larger) + evenOdd(accurateRows, widenUpper(interval), widenUpper(t));
-    return step.result(narrow(low, high), singleLogAdd);
+    logAddEach<Elem32f>(a, b, singleLogAdd,
+                        [](F32(&sum)[K], const I32(&interval)[K], const F32(&t)[K]) LYR_INLINE_LAMBDA {
+                            I64 wideInterval[2 * K];
+                            F64 wideT[2 * K];
+                            for (int k = 0; k < K; ++k) {
+                                wideInterval[2 * k] = widenLower(interval[k]);
+                                wideInterval[2 * k + 1] = widenUpper(interval[k]);
+                                wideT[2 * k] = widenLower(t[k]);
+                                wideT[2 * k + 1] = widenUpper(t[k]);
+                            }
+                            F64 p[2 * K];
+                            evenOdd(p, accurateRows, wideInterval, wideT);
+                            for (int k = 0; k < K; ++k) {
+                                sum[k] = narrow(widenLower(sum[k]) + p[2 * k], widenUpper(sum[k]) + p[2 * k + 1]);
+                            }
+                        });
 }
 
 // Everything in double precision.
-template <class V>
-LYR_INLINE V logAddDouble(V a, V b)
+template <int K, class V>
+LYR_INLINE void logAddDouble(V (&a)[K], const V (&b)[K])
 {
-    const LogAddStep<Elem64f, V> step(a, b, doubleLogAdd);
-    if (step.ignoresEverySmaller(doubleLogAdd)) {
-        return step.withoutSmaller;
-    }
-    const auto interval = step.interval(doubleLogAdd);
-    const V t = step.t(doubleLogAdd);
-    return step.result(step.larger + evenOdd(doubleRows, interval, t), doubleLogAdd);
+    logAddEach<Elem64f>(a, b, doubleLogAdd, [](V(&sum)[K], const auto& interval, const V(&t)[K]) LYR_INLINE_LAMBDA {
+        V p[K];
+        evenOdd(p, doubleRows, interval, t);
+        for (int k = 0; k < K; ++k) {
+            sum[k] = sum[k] + p[k];
+        }
+    });
 }
 
 } // namespace lyr::LYR_NS

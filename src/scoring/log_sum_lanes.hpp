@@ -19,7 +19,12 @@ struct SumOrder<Elem32f>
 
     static LYR_INLINE Quad load(const Elem32f* x) { return _mm_loadu_ps(x); }
     static LYR_INLINE Quad withFirst(Elem32f first, Quad x) { return _mm_move_ss(x, _mm_set_ss(first)); }
-    static LYR_INLINE Quad logAdd(Quad a, Quad b) { return logAddSingle(a, b); }
+    static LYR_INLINE Quad logAdd(Quad a, Quad b)
+    {
+        Quad sum[1] = {a};
+        logAddSingle<1>(sum, {b});
+        return sum[0];
+    }
     static LYR_INLINE Elem32f fold(Quad sum)
     {
         sum = logAdd(sum, _mm_movehl_ps(sum, sum));
@@ -36,7 +41,12 @@ struct SumOrder<Elem64f>
 
     static LYR_INLINE Pair load(const Elem64f* x) { return _mm_loadu_pd(x); }
     static LYR_INLINE Pair withFirst(Elem64f first, Pair x) { return _mm_move_sd(x, _mm_set_sd(first)); }
-    static LYR_INLINE Pair logAdd(Pair a, Pair b) { return logAddDouble(a, b); }
+    static LYR_INLINE Pair logAdd(Pair a, Pair b)
+    {
+        Pair sum[1] = {a};
+        logAddDouble<1>(sum, {b});
+        return sum[0];
+    }
     static LYR_INLINE Elem64f fold(Pair sum) { return logAdd(sum, _mm_unpackhi_pd(sum, sum))[0]; }
 };
 

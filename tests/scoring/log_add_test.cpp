@@ -6,6 +6,7 @@
 #include <cmath>
 #include <gtest/gtest.h>
 #include <limits>
+#include <numeric>
 #include <vector>
 
 #include "oracle/log_domain.hpp"
@@ -176,7 +177,7 @@ void compareSpecial(int hint, const lyr::oracle::LogAddNumbers& numbers)
             b.push_back(y);
         }
     }
-    for (std::size_t shift = 0; shift < 17; ++shift) { // another lane each time
+    for (std::size_t shift = 0; shift < 65; ++shift) { // another lane, and another vector of a group, each time
         std::vector<T> result = b;
         ASSERT_EQ(logAdd(a.data(), result.data(), static_cast<Elem32s>(a.size()), hint), StsNoErr);
         for (std::size_t i = 0; i < a.size(); ++i) {
@@ -193,6 +194,33 @@ TEST(LogAdd, SpecialValues)
         compareSpecial<float>(hint, lyr::oracle::singleNumbers);
     }
     compareSpecial<double>(0, lyr::oracle::doubleNumbers);
+}
+
+// Where all smaller operands of a group of vectors are ignored it ends early; one that counts must not be missed.
+template <class T>
+void findOneThatCounts(int hint)
+{
+    SCOPED_TRACE("hint " + std::to_string(hint));
+    constexpr std::size_t len = 131;
+    for (std::size_t place = 0; place < len; ++place) {
+        const std::vector<T> a(len, T(-100));
+        std::vector<T> b(len);
+        std::iota(b.begin(), b.end(), T(3));
+        b[place] = T(-99);
+        ASSERT_EQ(logAdd(a.data(), b.data(), static_cast<Elem32s>(len), hint), StsNoErr);
+        for (std::size_t i = 0; i < len; ++i) {
+            ASSERT_TRUE(sameBits(b[i], i == place ? reference(T(-100), T(-99), hint) : static_cast<T>(i + 3)))
+                << i << " of " << place;
+        }
+    }
+}
+
+TEST(LogAdd, OneSumAmongIgnoredOperands)
+{
+    for (const int hint : {0, 1, 2}) {
+        findOneThatCounts<float>(hint);
+    }
+    findOneThatCounts<double>(0);
 }
 
 // Against the function itself: the polynomial's 5e-9 (4e-15), the cut-off's exp(d), and roundings of the difference
