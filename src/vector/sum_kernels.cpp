@@ -85,36 +85,41 @@ LYR_INLINE LaneSums laneSums(const char* p, std::ptrdiff_t n)
     return {_mm_cvtss_f32(two), _mm_cvtss_f32(_mm_shuffle_ps(two, two, 1))};
 }
 
+constexpr std::ptrdiff_t sumBlock = 32768;
+
 // Blocks of single-precision sums, and a total of extended precision over them. What stands ahead of a 16-byte boundary
-// goes to the total directly.
-Status fast32f(const float* src, Elem32s len, float* result)
+// goes to the total directly. On its own, so that the usual call needs no memory for the total.
+[[gnu::noinline]] Status sumOfBlocks(const char* p, std::ptrdiff_t len, Elem32f* result)
 {
-    constexpr std::ptrdiff_t block = 32768;
     constexpr std::ptrdiff_t size = sizeof(float);
-    const char* p = reinterpret_cast<const char*>(src);
-    const std::uintptr_t beyondBoundary = reinterpret_cast<std::uintptr_t>(p) % 16;
-    std::ptrdiff_t left = len;
-    if (left <= block && (beyondBoundary == 0 || beyondBoundary % size != 0)) {
-        // A total of two needs no extended precision on its way to a single.
-        const LaneSums sums = laneSums(p, left);
-        *result = sums.even + sums.odd;
-        return StsNoErr;
-    }
     long double total = 0;
-    if (beyondBoundary % size == 0) {
-        for (; left > 0 && reinterpret_cast<std::uintptr_t>(p) % 16 != 0; --left, p += size) {
+    if (reinterpret_cast<std::uintptr_t>(p) % size == 0) {
+        for (; len > 0 && reinterpret_cast<std::uintptr_t>(p) % 16 != 0; --len, p += size) {
             total += static_cast<long double>(singleAt(p));
         }
     }
-    while (left > 0) {
-        const std::ptrdiff_t n = left < block ? left : block;
+    while (len > 0) {
+        const std::ptrdiff_t n = len < sumBlock ? len : sumBlock;
         const LaneSums sums = laneSums(p, n);
         total += static_cast<long double>(sums.even);
         total += static_cast<long double>(sums.odd);
-        left -= n;
+        len -= n;
         p += n * size;
     }
-    *result = static_cast<float>(total);
+    *result = static_cast<Elem32f>(total);
+    return StsNoErr;
+}
+
+Status fast32f(const float* src, Elem32s len, float* result)
+{
+    const char* const p = reinterpret_cast<const char*>(src);
+    const std::uintptr_t beyondBoundary = reinterpret_cast<std::uintptr_t>(p) % 16;
+    if (len > sumBlock || (beyondBoundary != 0 && beyondBoundary % sizeof(float) == 0)) {
+        return sumOfBlocks(p, len, result);
+    }
+    // A total of two needs no extended precision on its way to a single.
+    const LaneSums sums = laneSums(p, len);
+    *result = sums.even + sums.odd;
     return StsNoErr;
 }
 
