@@ -2,6 +2,7 @@
 #include "fft/fft_record.hpp"
 #include "frame/check.hpp"
 #include "frame/memory.hpp"
+#include "frame/rounding.hpp"
 
 #include <limits>
 
@@ -11,7 +12,6 @@ using namespace lyr::fft;
 namespace {
 
 constexpr Elem32s headSize = 64; // this record in front of the other, and its alignment
-constexpr Elem32s nearest = 1;
 
 // The singles of the signal and 8 bytes.
 constexpr std::uint64_t signalBytes(Elem32s order)
@@ -80,7 +80,7 @@ Status lyrsFFTFwd_RToCCS_16s32s_Sfs(const Elem16s* pSrc, Elem32s* pDst, const FF
     LYR_CHECK(lyrsConvert_16s32f(pSrc, signal, n));
     LYR_CHECK(
         lyrsFFTFwd_RToPerm_32f(signal, signal, pSpec->pSpec, buffer + sizeof(Elem32f) * static_cast<std::size_t>(n)));
-    LYR_CHECK(lyrsConvert_32f32s_Sfs(signal, pDst, n, nearest, scaleFactor));
+    LYR_CHECK(lyrsConvert_32f32s_Sfs(signal, pDst, n, convertToNearest, scaleFactor));
     // From R0, R(N/2), ... to R0, 0, ..., R(N/2), 0; one point makes R0 and a zero.
     if (n > 1) {
         pDst[n] = pDst[1];

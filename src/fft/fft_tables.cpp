@@ -117,7 +117,7 @@ constexpr Offsets offsetsOf(const Plan& plan)
     std::uint64_t at = 0;
     const auto take = [&at](std::uint64_t bytes) {
         const std::uint64_t start = at;
-        at += alignUp(static_cast<std::size_t>(bytes), tableAlignment);
+        at += alignUp(bytes, tableAlignment);
         return start;
     };
     o.twiddles = take(twiddleParts(plan).floats * sizeof(float));
@@ -131,23 +131,20 @@ constexpr Offsets offsetsOf(const Plan& plan)
     return o;
 }
 
-constexpr std::uint64_t padded(std::uint64_t bytes)
-{
-    return (bytes + tableAlignment - 1) / tableAlignment * tableAlignment;
-}
-
 constexpr Sizes sizesFor(int order, const Plan& plan)
 {
     const std::uint64_t n = std::uint64_t{1} << order;
     const std::uint64_t m = n / 2;
-    const std::uint64_t init = order <= constantSineOrder ? 0 : padded(n + 4) + tableAlignment;
+    const std::uint64_t init = order <= constantSineOrder ? 0 : alignUp(n + 4, tableAlignment) + tableAlignment;
     if (!plan.isLarge()) {
         // The tables of this plan need less than what callers have always been told, and the sizes stay as they are.
-        return {padded(8 * m + 8) + padded(m + 4) + 2 * padded(2 * n) + 128, init, padded(8 * m) + tableAlignment};
+        return {alignUp(8 * m + 8, tableAlignment) + alignUp(m + 4, tableAlignment) +
+                    2 * alignUp(2 * n, tableAlignment) + 128,
+                init, alignUp(8 * m, tableAlignment) + tableAlignment};
     }
     const std::uint64_t part = std::uint64_t{8} << (plan.logRows + plan.logCols);
     const std::uint64_t strip = std::uint64_t{8} * plan.rows() * static_cast<std::uint64_t>(plan.lanes);
-    return {tableAlignment + padded(sizeof(FFTSpec_R_32f)) + cacheLine + offsetsOf(plan).end, init,
+    return {tableAlignment + alignUp(sizeof(FFTSpec_R_32f), tableAlignment) + cacheLine + offsetsOf(plan).end, init,
             part + strip + tableAlignment};
 }
 
@@ -155,7 +152,7 @@ constexpr Sizes sizesFor(int order, const Plan& plan)
 constexpr bool doTablesFit(int order, int lanes)
 {
     const Plan plan = planOf(order, lanes);
-    return tableAlignment + padded(sizeof(FFTSpec_R_32f)) + cacheLine + offsetsOf(plan).end <=
+    return tableAlignment + alignUp(sizeof(FFTSpec_R_32f), tableAlignment) + cacheLine + offsetsOf(plan).end <=
            sizesFor(order, plan).spec;
 }
 

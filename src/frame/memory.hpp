@@ -3,6 +3,7 @@
 
 #include "lyrsr.h"
 
+#include <concepts>
 #include <cstddef>
 #include <cstdint>
 
@@ -12,7 +13,8 @@ namespace lyr {
 // it.
 inline constexpr std::size_t blockAlignment = 32;
 
-constexpr std::size_t alignUp(std::size_t n, std::size_t unit = blockAlignment)
+template <std::unsigned_integral N>
+constexpr N alignUp(N n, std::size_t unit = blockAlignment)
 {
     return (n + unit - 1) / unit * unit;
 }
