@@ -159,7 +159,7 @@ void joinEvenOdd(float* even, std::ptrdiff_t half, const Phasors& w)
     for (std::ptrdiff_t k = 0; k < half; k += width<V>) {
         const Complex<V> e = loadPairs<V>(even + 2 * k);
         const Complex<V> o = loadPairs<V>(odd + 2 * k);
-        const Complex<V> turn = phasorsFrom<V>(w, k);
+        const Complex<V> turn = finePhasors<V>(w, k) * coarsePhasor<V>(w, k);
         const Complex<V> t = Inverse ? timesConj(o, turn) : o * turn;
         storePairs(even + 2 * k, e + t);
         storePairs(odd + 2 * k, e - t);

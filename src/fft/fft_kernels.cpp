@@ -31,15 +31,16 @@ void copy(float* dst, const float* src, std::ptrdiff_t count)
     }
 }
 
-template <int W>
-void forwardTransform(const FFTSpec_R_32f& spec, const Plan& plan, const float* src, float* work, const Spectrum& out)
+template <int W, class Gain>
+void forwardTransform(const FFTSpec_R_32f& spec, const Plan& plan, const float* src, float* work,
+                      const Spectrum<Gain>& out)
 {
     const auto m = static_cast<std::ptrdiff_t>(plan.length());
     if constexpr (W == 1) {
         float z[16];
         transformPoints<false>(src, z);
         const Complex<float> first = loadPairs<float>(z);
-        recombineInOrder<1, false>(z, 0, z, m, out.u, out.halfNorm());
+        recombineInOrder<1, false>(z, 0, z, m, out.u, out.gain);
         copy(out.at(1), z + 2, 2 * m - 2);
         out.putEnds(first);
     } else {
@@ -53,7 +54,7 @@ void forwardTransform(const FFTSpec_R_32f& spec, const Plan& plan, const float* 
             copy(out.data(), src, 2 * m);
             splitTransform<V, false>(tables, spec.pBlkTwd, 0, out.data(), work);
             const Complex<float> first = loadPairs<float>(out.data());
-            recombineInOrder<W, false>(out.data(), 0, out.data(), m, out.u, out.halfNorm());
+            recombineInOrder<W, false>(out.data(), 0, out.data(), m, out.u, out.gain);
             copy(out.at(1), out.data() + 2, 2 * m - 2);
             out.putEnds(first);
         }
@@ -67,9 +68,9 @@ void inverseTransform(const FFTSpec_R_32f& spec, const Plan& plan, const float* 
     const float norm = spec.invNorm != 0 ? spec.normFactor : 1.0F;
     const float first = src[0];
     const float last = src[2 * m - 1];
-    recombineInOrder<W, true>(src, 1, dst, m, phasorsAt(spec.pCcsRec, plan.logRows), norm);
-    dst[0] = norm * (first + last);
-    dst[1] = norm * (first - last);
+    recombineInOrder<W, true>(src, 1, dst, m, phasorsAt(spec.pCcsRec, plan.logRows), 2.0F * norm);
+    dst[0] = norm * first + norm * last;
+    dst[1] = norm * first - norm * last;
     if constexpr (W == 1) {
         transformPoints<true>(dst, dst);
     } else {
@@ -105,12 +106,22 @@ LYR_INLINE void withLanes(const Plan& plan, Run run)
     }
 }
 
-void forward(const FFTSpec_R_32f& spec, const Plan& plan, const Elem32f* src, Elem32f* dst, float* work, Layout layout)
+template <class Gain>
+void forwardBy(Gain gain, const FFTSpec_R_32f& spec, const Plan& plan, const Elem32f* src, Elem32f* dst, float* work,
+               Layout layout)
 {
-    const Spectrum out(dst, std::ptrdiff_t{1} << spec.order, layout, spec.fwdNorm != 0 ? spec.normFactor : 1.0F,
-                       phasorsAt(spec.pRealRec, plan.logRows));
+    const Spectrum out(dst, std::ptrdiff_t{1} << spec.order, layout, gain, phasorsAt(spec.pRealRec, plan.logRows));
     withLanes(
         plan, [&](auto lanes) __attribute__((always_inline)) { forwardTransform<lanes>(spec, plan, src, work, out); });
+}
+
+void forward(const FFTSpec_R_32f& spec, const Plan& plan, const Elem32f* src, Elem32f* dst, float* work, Layout layout)
+{
+    if (spec.fwdNorm != 0) {
+        forwardBy(spec.normFactor, spec, plan, src, dst, work, layout);
+    } else {
+        forwardBy(Unscaled{}, spec, plan, src, dst, work, layout);
+    }
 }
 
 void inverse(const FFTSpec_R_32f& spec, const Plan& plan, const Elem32f* src, Elem32f* dst, float* work)

@@ -15,25 +15,26 @@ namespace lyr::LYR_NS::fft {
 using lyr::fft::Layout;
 using lyr::fft::Plan;
 
-// The spectrum of N reals.
+// The spectrum of N reals, times the gain.
+template <class Gain>
 class Spectrum
 {
 public:
-    LYR_INLINE Spectrum(float* spectrum, std::ptrdiff_t count, Layout order, float norm, Phasors phasors)
-        : u(phasors), dst(spectrum), n(count), scale(0.5F * norm), layout(order), shift(order == Layout::Pack ? 1 : 0)
+    LYR_INLINE Spectrum(float* spectrum, std::ptrdiff_t count, Layout order, Gain factor, Phasors phasors)
+        : u(phasors), gain(factor), dst(spectrum), n(count), layout(order), shift(order == Layout::Pack ? 1 : 0)
     {}
 
     // Element k stands at 2*k, or one ahead of that in the Pack layout.
     LYR_INLINE float* at(std::ptrdiff_t k) const { return dst + (2 * k - shift); }
     [[nodiscard]] LYR_INLINE float* data() const { return dst; }
-    [[nodiscard]] LYR_INLINE float halfNorm() const { return scale; }
 
     // R0 and R(N/2), which are sum and difference of the two parts of the first complex result, and the zeros that go
     // with them.
     LYR_INLINE void putEnds(Complex<float> z) const
     {
-        const float last = 2.0F * scale * (z.re - z.im);
-        dst[0] = 2.0F * scale * (z.re + z.im);
+        const Complex<float> scaled = gain * z;
+        const float last = scaled.re - scaled.im;
+        dst[0] = scaled.re + scaled.im;
         switch (layout) {
         case Layout::Pack:
             dst[n - 1] = last;
@@ -49,17 +50,17 @@ public:
         }
     }
 
-    // The fine phasors of a row, with the scale in them.
+    // The fine phasors of a row.
     template <class V>
     LYR_INLINE Complex<V> phasors(std::ptrdiff_t k1) const
     {
-        return all<V>(scale) * loadRow<V>(u.fine + 2 * k1);
+        return loadRow<V>(u.fine + 2 * k1);
     }
 
     template <class V>
     LYR_INLINE void finish(Complex<V>& a, Complex<V>& b, Complex<V> fine, std::ptrdiff_t k2) const
     {
-        recombine<false>(a, b, fine * allOf<V>(u.coarse + 2 * k2), all<V>(scale));
+        recombine<false>(a, b, weight(fine, allOf<V>(u.coarse + 2 * k2)), gainOf<V>(gain));
     }
 
     // Where one lane of the fine phasors serves W values k2.
@@ -68,17 +69,16 @@ public:
     {
         constexpr std::ptrdiff_t w = width<V>;
         const float* const fine = u.fine + 2 * k1;
-        const V scales = all<V>(scale);
         const Complex<V> turn = {all<V>(fine[0]), all<V>(fine[w])};
-        recombine<false>(a, b, scales * (turn * loadPairs<V>(u.coarse + 2 * k2)), scales);
+        recombine<false>(a, b, weight(turn, loadPairs<V>(u.coarse + 2 * k2)), gainOf<V>(gain));
     }
 
     Phasors u;
+    Gain gain;
 
 private:
     float* dst;
     std::ptrdiff_t n;
-    float scale;
     Layout layout;
     std::ptrdiff_t shift;
 };
@@ -157,8 +157,8 @@ LYR_INLINE void scatter(const Output& out, Complex<V> z, std::ptrdiff_t k, std::
 }
 
 // The k that pair among themselves: m*k2, and m/2 + m*k2.
-template <class V, class RowOf>
-LYR_INLINE void putLeads(const Spectrum& out, const Plan& plan, const float* a, const float* b, RowOf rowOf)
+template <class V, class RowOf, class Gain>
+LYR_INLINE void putLeads(const Spectrum<Gain>& out, const Plan& plan, const float* a, const float* b, RowOf rowOf)
 {
     const auto m = static_cast<std::ptrdiff_t>(plan.rows());
     const std::ptrdiff_t c = RowOf::template count<V>(plan);
@@ -229,11 +229,11 @@ LYR_INLINE void putBlocks(Output out, const Plan& plan, std::ptrdiff_t k1, const
 
 // The one tile of m = C = W: row k2 holds all k1, and lane k1 of it pairs with lane W - k1 of row W - 1 - k2, but lane
 // 0 with that of row W - k2.
-template <class V>
-LYR_INLINE void putTile(Spectrum out, const Complex<V> (&z)[width<V>])
+template <class V, class Gain>
+LYR_INLINE void putTile(Spectrum<Gain> out, const Complex<V> (&z)[width<V>])
 {
     constexpr int w = width<V>;
-    const Complex<V> fine = out.phasors<V>(0);
+    const Complex<V> fine = out.template phasors<V>(0);
     unroll<w>([&](auto k2) __attribute__((always_inline)) {
         constexpr int row = w - 1 - k2;
         constexpr int leadRow = (w - k2) % w;

@@ -194,16 +194,16 @@ void fillColumns(float* p, const Turn& turn, int logN) noexcept
     }
 }
 
-// f(k1 + 2^logFine * k2) = exp(-2*pi*i * ((k1 + 2^logFine * k2) / 2^logN + quarters / 4)).
-void fillPhasors(float* table, const Turn& turn, int lanes, int logFine, int logCount, int logN,
-                 unsigned quarters) noexcept
+// f(k1 + 2^logFine * k2) = size * exp(-2*pi*i * ((k1 + 2^logFine * k2) / 2^logN + quarters / 4)).
+void fillPhasors(float* table, const Turn& turn, int lanes, int logFine, int logCount, int logN, unsigned quarters,
+                 float size) noexcept
 {
     const auto w = static_cast<std::uint64_t>(lanes);
     for (std::uint64_t k = 0; k < std::uint64_t{1} << logFine; ++k) {
         const Pair f = turn.phasor(k, logN);
         float* const vector = table + k / w * 2 * w + k % w;
-        vector[0] = f.re;
-        vector[w] = f.im;
+        vector[0] = size * f.re;
+        vector[w] = size * f.im;
     }
     float* coarse = table + (std::size_t{2} << logFine);
     for (std::uint64_t k = 0; k < std::uint64_t{1} << (logCount - logFine); ++k) {
@@ -277,8 +277,8 @@ void buildTables(FFTSpec_R_32f& spec, const Plan& plan, const float* sine, int s
     spec.pRealRec = reinterpret_cast<float*>(base + offsets.recombination);
     spec.pCcsRec = spec.pRealRec;
     spec.pBitRev = reinterpret_cast<std::uint32_t*>(base + offsets.bitReversal);
-    // The recombination multiplies by -i * w_N^k: see fft_recombine.hpp.
-    fillPhasors(spec.pRealRec, turn, plan.lanes, logRecombinationFine(plan), plan.logM, spec.order, 1);
+    // The recombination multiplies by halves of -i * w_N^k: see fft_recombine.hpp.
+    fillPhasors(spec.pRealRec, turn, plan.lanes, logRecombinationFine(plan), plan.logM, spec.order, 1, 0.5F);
     if (plan.lanes == 1) {
         return;
     }
@@ -290,7 +290,7 @@ void buildTables(FFTSpec_R_32f& spec, const Plan& plan, const float* sine, int s
     for (int level = 0; level < plan.splits; ++level) {
         spec.pBlkTwd[level] = reinterpret_cast<float*>(base + offsets.splits[level]);
         fillPhasors(spec.pBlkTwd[level], turn, plan.lanes, logSplitFine, logSplitCount(plan, level), plan.logM - level,
-                    0);
+                    0, 1.0F);
     }
 }
 
