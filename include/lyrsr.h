@@ -574,10 +574,9 @@ LYRSR_API Status lyrsDotProd_16s32f(const Elem16s* pSrc1, const Elem16s* pSrc2, 
  * the same, bit by bit.
  *
  * Inside, values reach up to twice the magnitude of the largest result, so that a transform with results above half the
- * largest number may overflow. Where the scale is applied last, which is in forward transforms and below order 4, that
- * is so for the unscaled results. Inverse transforms from order 4 on scale early: values whose scaled size is subnormal
- * lose digits, and sums of inputs near the top of the range may overflow before. An infinity or NaN in one element
- * makes every result that depends on it an infinity or NaN.
+ * largest number may overflow. Forward transforms, and inverse ones below order 4, scale late, and there it is the
+ * unscaled results that count. Inverse transforms from order 4 on scale first: values whose scaled size is subnormal
+ * lose digits. An infinity or NaN in one element makes every result that depends on it an infinity or NaN.
  * @{
  */
 /** State of lyrsFFTFwd_RToPack_32f() and its kin. */
