@@ -15,8 +15,9 @@ if(LYRSR_SANITIZE)
 endif()
 
 if(LYRSR_COVERAGE)
-  target_compile_options(lyrsr_flags INTERFACE --coverage -fprofile-update=atomic)
-  target_link_options(lyrsr_flags INTERFACE --coverage)
+  # Counters of clang's front end: for each condition of the source, whatever is inlined or optimised away behind it.
+  target_compile_options(lyrsr_flags INTERFACE -fprofile-instr-generate -fcoverage-mapping)
+  target_link_options(lyrsr_flags INTERFACE -fprofile-instr-generate)
 endif()
 
 # What only the library's own sources get.

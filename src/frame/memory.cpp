@@ -82,15 +82,15 @@ BlockMatrix<T>* allocateMatrix(const Elem32s* blockSizes, Elem32s numBlocks) noe
         // that callers account for.
         rowBytes += row * row;
     }
-    // The record counts rows, and with them blocks, in 16 bits.
-    if (numRows > UINT16_MAX) {
+    // The slack of the squares holds the record itself, and there is none without a block. The record counts rows, and
+    // with them blocks, in 16 bits.
+    if (numBlocks < 1 || numRows > UINT16_MAX) {
         return nullptr;
     }
-    const auto count = static_cast<std::size_t>(numBlocks < 0 ? 0 : numBlocks);
+    const auto count = static_cast<std::size_t>(numBlocks);
     const std::uint64_t bytes = alignUp(count * sizeof(Elem32s), matrixUnit) + rowBytes +
                                 (numRows * word + matrixUnit - 1) / matrixUnit * matrixUnit + 31;
-    // The slack of the squares holds the record itself; without a block there is none.
-    void* const block = count == 0 ? nullptr : allocateBytes(bytes);
+    void* const block = allocateBytes(bytes);
     if (block == nullptr) {
         return nullptr;
     }

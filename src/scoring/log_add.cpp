@@ -48,8 +48,8 @@ void addFixedPoint(const T* src, T* srcDst, Elem32s len, Elem32s scaleFactor, El
     alignas(32) Elem32f b[blockLength];
     const auto scale = static_cast<Elem32f>(lyr::GetScale_32s64f(scaleFactor));
     lyr::LogAddKernel<Elem32f>* const logAdd = kernelOf(hint);
-    for (Elem32s first = 0; first < len; first += blockLength) {
-        const Elem32s n = len - first < blockLength ? len - first : blockLength;
+    for (Elem64s first = 0; first < len; first += blockLength) { // goes beyond 32 bits in the longest vectors
+        const auto n = static_cast<Elem32s>(len - first < blockLength ? len - first : blockLength);
         for (Elem32s i = 0; i < n; ++i) {
             a[i] = static_cast<Elem32f>(src[first + i]) * scale;
             b[i] = static_cast<Elem32f>(srcDst[first + i]) * scale;
@@ -58,9 +58,6 @@ void addFixedPoint(const T* src, T* srcDst, Elem32s len, Elem32s scaleFactor, El
             logAdd(a, b, n);
         }
         lyr::toFixedPoint(b, srcDst + first, n, scaleFactor);
-        if (len - first <= blockLength) {
-            break; // `first` would leave the range of its type in the longest vectors
-        }
     }
 }
 

@@ -22,7 +22,6 @@ SharedWeights(const T*) -> SharedWeights<T>;
 struct UnitWeights
 {
     static constexpr bool areShared = true;
-    LYR_INLINE UnitWeights from(std::ptrdiff_t /*row*/) const { return {}; }
 };
 
 // A row of inverse variances for each row.

@@ -213,6 +213,14 @@ TEST(RowTable, RowsWithoutElements)
     }
 }
 
+TEST(RowTable, MoreThanTheAllocatorCounts)
+{
+    const long calls = allocationCount();
+    EXPECT_EQ(lyr::Alloc2_32f(50000, 50000), nullptr);
+    EXPECT_EQ(lyr::Alloc2_32s(INT32_MAX, 1), nullptr);
+    EXPECT_EQ(allocationCount(), calls);
+}
+
 TEST(RowTable, ThreeRowsOfFive)
 {
     EXPECT_EQ(lyr::GetSize2_32s(3, 5), word == 4 ? 136U : 148U);
@@ -279,8 +287,11 @@ void checkMatrices(lyr::BlockMatrix<T>* (*allocate)(const Elem32s*, Elem32s) noe
     const std::array<Elem32s, 1> negative{-1};
     EXPECT_EQ(allocate(negative.data(), 1), nullptr);
     EXPECT_EQ(allocate(zero.data(), 0), nullptr);
+    EXPECT_EQ(allocate(zero.data(), -1), nullptr);
     const std::array<Elem32s, 1> huge{INT32_MAX};
     EXPECT_EQ(allocate(huge.data(), 1), nullptr);
+    const std::array<Elem32s, 1> tooLarge{65535}; // its rows can be counted, its bytes not
+    EXPECT_EQ(allocate(tooLarge.data(), 1), nullptr);
     // One row more than 16 bits count: a block a row, and in fewer blocks.
     const std::vector<Elem32s> ones(65536, 1);
     EXPECT_EQ(allocate(ones.data(), 65536), nullptr);
