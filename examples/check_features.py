@@ -12,8 +12,8 @@ u = 2^-24, half a unit in the last place:
 
   emphasised  u |a x[n-1]| (+) u |y| for the product and the difference
   windowed    |w| times the bound before (+) 2 u |w y| for window and product
-  spectrum    the 2-norm of what came in, the same in every bin, (+) u sqrt(log2 N) of the frame's 2-norm, the error of a
-              fast transform (Schatzman, SIAM J. Sci. Comput. 17(5), 1996)
+  spectrum    the 2-norm of what came in, the same in every bin, (+) u sqrt(log2 N) of the frame's 2-norm, the error of
+              a fast transform (Schatzman, SIAM J. Sci. Comput. 17(5), 1996)
   magnitude   the bound of the bin (+) 2 u |X| for squares, sum and root; powers: 2 |X| b + b^2 (+) 2 u |X|^2
   bank        weights times bounds (+) u of every partial sum (+) what the edges are off: they and the mel of a bin come
               from numbers up to melHigh with up to four roundings each, 4 u melHigh over the width of a side
@@ -59,7 +59,7 @@ class Settings:
         self.num_filters, self.low_freq, self.high_freq = 26, 64.0, 0.0
         self.mel_mul, self.mel_div, self.shape = 1127.01, 700.0, "mel"
         self.spectrum, self.log, self.energy_floor = "magnitude", "e", 1.0
-        self.num_ceps, self.no_c0, self.lifter, self.dct_scale = 12, False, 22, "ortho"
+        self.num_ceps, self.no_c0, self.lifter, self.dct_scale = 12, False, 22, "htk"
         self.derivatives, self.delta_window, self.remove_mean = 2, 2, False
         words = iter(options.split())
         for word in words:
@@ -166,7 +166,7 @@ def log_energies(s, bank, magnitudes, bound):
 
 def cepstra(s, values, bounds):
     n = s.num_filters
-    scale = math.sqrt(2 / n) if s.dct_scale == "ortho" else 1.0
+    scale = math.sqrt(2 / n) if s.dct_scale == "htk" else 1.0
     order = list(range(1, s.num_ceps + 1)) + ([] if s.no_c0 else [0])
     out, out_bounds = [], []
     for i in order:
@@ -289,7 +289,7 @@ def write_sound(path, rate, channels, seconds, silence=0.0):
 def main(program):
     recording = "/usr/share/sounds/alsa/Front_Center.wav"
     help_text = subprocess.run([program, "--help"], check=True, capture_output=True, text=True).stdout
-    aurora = re.search(r"^  ES 201 108 +(--.*?)(?: \(|$)", help_text, re.MULTILINE).group(1)
+    aurora = re.search(r"^  ES 201 108 +(--[^(\n]*[^ (\n])", help_text, re.MULTILINE).group(1)
 
     with tempfile.TemporaryDirectory() as folder:
         narrow, middle, stereo = (os.path.join(folder, f"{name}.wav") for name in ("narrow", "middle", "stereo"))
@@ -329,7 +329,7 @@ def main(program):
             (narrow, "--remove-mean"),
             (recording, speech),
             (recording, f"{speech} --remove-mean --low-freq 80 --high-freq 7600"),
-            (recording, f"{speech} --spectrum power --log db --mel-div 1000 --lifter 0 --delta-window 1 --num-filters 40"),
+            (recording, f"{speech} --spectrum power --log db --lifter 0 --delta-window 1 --num-filters 40"),
         ]
         failed = 0
         for path, options in cases:

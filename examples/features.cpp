@@ -5,12 +5,14 @@
 
 #include <bit>
 #include <charconv>
+#include <cmath>
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
 #include <fstream>
 #include <getopt.h>
 #include <iostream>
+#include <limits>
 #include <string>
 
 namespace {
@@ -18,11 +20,12 @@ namespace {
 const char* const help = R"(usage: features [options] RECORDING.wav
 
 Writes one row of features for each frame: liftered cepstra, the zeroth last, then their first and second derivatives.
+A recording may have any rate and number of channels, which are averaged, and any format that libsndfile reads.
 
 frames
   --window-length MS   25         --frame-shift MS  10
   --window KIND        hamming    (hamming, hann, none)
-  --preemphasis A      0.97       x[n] - A x[n-1]
+  --preemphasis A      0.97       x[n] - A x[n-1], the first sample being its own predecessor
 mel filter bank
   --num-filters N      26         --low-freq HZ     64      --high-freq HZ    0 (half the sampling rate)
   --mel-mul M          1127.01    --mel-div HZ      700     mel(f) = M ln(1 + f / HZ)
@@ -32,7 +35,7 @@ mel filter bank
 cepstra
   --num-ceps N         12         --no-c0                   without the zeroth cepstrum
   --lifter L           22         1 + L/2 sin(pi i / L); 0: none
-  --dct-scale KIND     ortho      (ortho: sqrt(2/N); none)
+  --dct-scale KIND     htk        (htk: sqrt(2/N), N filters; none)
 derivatives
   --derivatives N      2          (0, 1, 2)                 --delta-window N  2 (1, 2 frames each way)
 output
@@ -40,15 +43,22 @@ output
   --format KIND        text       (text, npy)               --output FILE     - (standard output)
 
 Which settings reproduce which convention
+  pre-emphasis      over the whole recording, before it is cut into frames; in the HTK Book it starts anew in each frame.
+  window            symmetric, its period is one less than its length; some tools have a period of the whole length.
   mel formula       2595 log10(1 + f/700) is 1127.01 ln(1 + f/700): the default. The factor cancels between the two conversions, the
                     corner of 700 Hz does not: some tools use 1000 Hz (--mel-div 1000).
   spectrum          the HTK Book's default and ETSI ES 201 108 sum magnitudes (default); most Python tools sum powers (--spectrum power).
-  log base          natural in the HTK Book and ES 201 108 (default); --log db gives 10 log10, as in Slaney's toolbox and its descendants.
-  floor             samples are on the 16-bit scale; tools that read them as -1 to 1 see energies smaller by 32768 (magnitude) or its square.
-  DCT scale         sqrt(2/N) as in the HTK Book (default), the zeroth included; ES 201 108 has no scale (--dct-scale none).
-  lifter            22 in the HTK Book (default); ES 201 108 and most Python tools have none (--lifter 0).
-  delta window      2 frames each way, sum of t (x[r+t] - x[r-t]) over 2 sum of t^2 (default); --delta-window 1 is the plain difference over 2.
-  ES 201 108        --num-filters 23 --low-freq 64 --shape bin --dct-scale none --lifter 0 (without its offset compensation)
+  log base          natural in the HTK Book and ES 201 108 (default); base 10 in Slaney's Auditory Toolbox (--log 10); --log db gives
+                    10 log10, which some Python tools take of powers.
+  floor             samples are on the 16-bit scale; tools that read them as -1 to 1 see energies smaller by 32768, or by its square
+                    where they sum powers.
+  DCT scale         sqrt(2/N) as in the HTK Book (default), the zeroth included, which an orthonormal transform scales by sqrt(1/N);
+                    ES 201 108 has no scale (--dct-scale none).
+  lifter            22 in the HTK Book (default); ES 201 108 and many Python tools have none (--lifter 0).
+  delta window      2 frames each way, sum of t (x[r+t] - x[r-t]) over 2 sum of t^2 (default); --delta-window 1 is the plain difference
+                    over 2. The first and the last frame stand in for those outside.
+  ES 201 108        --num-filters 23 --shape bin --energy-floor 1.93e-22 --dct-scale none --lifter 0 --derivatives 0 (at 8 and 16 kHz;
+                    without its offset compensation and log energy)
 )";
 
 [[noreturn]] void fail(const std::string& message)
@@ -58,16 +68,24 @@ Which settings reproduce which convention
 }
 
 template <class T>
-T number(const char* option, const char* text)
+T number(const char* option, const char* text, T least = std::numeric_limits<T>::lowest())
 {
     T value{};
     const char* const end = text + std::strlen(text);
     const auto [stop, error] = std::from_chars(text, end, value);
-    if (error != std::errc{} || stop != end) {
+    if (error == std::errc::result_out_of_range) {
+        fail(std::string("--") + option + ": out of range: " + text);
+    }
+    if (error != std::errc{} || stop != end || !std::isfinite(static_cast<double>(value))) {
         fail(std::string("--") + option + ": not a number: " + text);
+    }
+    if (value < least) {
+        fail(std::string("--") + option + ": too small: " + text);
     }
     return value;
 }
+
+constexpr float positive = std::numeric_limits<float>::min();
 
 // The place of `text` among the words that an option takes.
 int choice(const char* option, const char* text, std::initializer_list<const char*> words)
@@ -130,6 +148,7 @@ int main(int argc, char** argv)
         {"delta-window", 1, nullptr, 'W'},  {"remove-mean", 0, nullptr, 'r'}, {"format", 1, nullptr, 'f'},
         {"output", 1, nullptr, 'o'},        {"help", 0, nullptr, 'h'},        {nullptr, 0, nullptr, 0}};
     int index = 0;
+    opterr = 0;
     for (int c; (c = getopt_long(argc, argv, "ho:", known, &index)) != -1;) {
         const char* const name = known[index].name;
         switch (c) {
@@ -146,19 +165,19 @@ int main(int argc, char** argv)
             options.preemphasis = number<float>(name, optarg);
             break;
         case 'n':
-            options.filters = number<int>(name, optarg);
+            options.filters = number(name, optarg, 1);
             break;
         case 'a':
-            options.lowHz = number<float>(name, optarg);
+            options.lowHz = number(name, optarg, positive);
             break;
         case 'b':
-            options.highHz = number<float>(name, optarg);
+            options.highHz = number(name, optarg, 0.0F);
             break;
         case 'm':
-            options.melMul = number<float>(name, optarg);
+            options.melMul = number(name, optarg, positive);
             break;
         case 'd':
-            options.melDiv = number<float>(name, optarg);
+            options.melDiv = number(name, optarg, positive);
             break;
         case 'S':
             options.binShape = choice(name, optarg, {"mel", "bin"}) == 1;
@@ -170,19 +189,19 @@ int main(int argc, char** argv)
             options.logBase = example::LogBase{choice(name, optarg, {"e", "10", "db"})};
             break;
         case 'e':
-            options.energyFloor = number<float>(name, optarg);
+            options.energyFloor = number(name, optarg, positive);
             break;
         case 'c':
-            options.cepstra = number<int>(name, optarg);
+            options.cepstra = number(name, optarg, 1);
             break;
         case 'z':
             options.zeroth = false;
             break;
         case 'i':
-            options.lifter = number<int>(name, optarg);
+            options.lifter = number(name, optarg, 0);
             break;
         case 'D':
-            options.orthonormal = choice(name, optarg, {"ortho", "none"}) == 0;
+            options.scaledDct = choice(name, optarg, {"htk", "none"}) == 0;
             break;
         case 'v':
             options.derivatives = choice(name, optarg, {"0", "1", "2"});
@@ -203,7 +222,8 @@ int main(int argc, char** argv)
             std::cout << help;
             return 0;
         default:
-            std::cerr << "try: features --help\n";
+            std::cerr << "features: unknown option, or no value for it: " << argv[optind - 1]
+                      << "; try: features --help\n";
             return 2;
         }
     }
@@ -229,10 +249,11 @@ int main(int argc, char** argv)
         npy ? writeNpy(out, features.vectors) : writeText(out, features.vectors);
         out.flush();
         if (!out) {
-            fail(output + ": cannot be written");
+            throw example::Failure((output == "-" ? "standard output" : output) + ": cannot be written");
         }
     } catch (const example::Failure& failure) {
-        fail(recording->path + ": " + failure.what());
+        std::cerr << "features: " << recording->path << ": " << failure.what() << '\n';
+        return 1;
     }
     return 0;
 }

@@ -2,7 +2,10 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
+#include <limits>
 #include <numbers>
+#include <sstream>
 
 namespace example {
 
@@ -14,12 +17,19 @@ void check(Status status, const char* call)
 }
 
 Matrix::Matrix(int rows, int columns)
-    : height(rows), width(columns), stride((columns + 7) / 8 * 8), data(lyrsMalloc_32f(std::max(rows, 1) * stride))
 {
+    const std::int64_t padded = (static_cast<std::int64_t>(columns) + 7) / 8 * 8;
+    const std::int64_t elements = std::max(rows, 1) * padded;
+    if (elements <= std::numeric_limits<Elem32s>::max()) {
+        data.reset(lyrsMalloc_32f(static_cast<Elem32s>(elements)));
+    }
     if (!data) {
         throw Failure("out of memory");
     }
-    check(lyrsZero_32f(data.get(), std::max(rows, 1) * stride), "lyrsZero_32f");
+    check(lyrsZero_32f(data.get(), static_cast<Elem32s>(elements)), "lyrsZero_32f");
+    height = rows;
+    width = columns;
+    stride = static_cast<int>(padded);
 }
 
 void StageTimes::add(const std::string& stage, double seconds)
@@ -65,10 +75,19 @@ constexpr Elem32s fromFrames = 4;
 
 FrontEnd::FrontEnd(const Options& chosen, float sampleRate) : options(chosen), rate(sampleRate)
 {
-    length = static_cast<int>(std::lround(options.windowMs * static_cast<double>(rate) / 1000));
-    shift = static_cast<int>(std::lround(options.shiftMs * static_cast<double>(rate) / 1000));
-    if (length < 2 || shift < 1) {
-        throw Failure("the window and the shift must hold at least two samples and one");
+    const double exactLength = options.windowMs * static_cast<double>(rate) / 1000;
+    const double exactShift = options.shiftMs * static_cast<double>(rate) / 1000;
+    constexpr double longest = 1 << 24;
+    if (!(exactLength >= 1.5 && exactLength <= longest && exactShift >= 0.5 && exactShift <= longest)) {
+        throw Failure("the window has to hold 2 to 16777216 samples, the shift 1 to 16777216");
+    }
+    length = static_cast<int>(std::lround(exactLength));
+    shift = static_cast<int>(std::lround(exactShift));
+    if (options.filters > length) {
+        throw Failure("at most " + std::to_string(length) + " filters for frames of as many samples");
+    }
+    if (options.cepstra > options.filters) {
+        throw Failure("at most " + std::to_string(options.filters) + " cepstra of as many filters");
     }
     window = makeWindow(options.window, length);
     floor.assign(static_cast<std::size_t>(options.filters), options.energyFloor);
@@ -80,17 +99,19 @@ FrontEnd::FrontEnd(const Options& chosen, float sampleRate) : options(chosen), r
     Elem32s order = 0;
     if (lyrsMelFBankInitAlloc_32f(&bank, &order, length, rate, options.lowHz, high, options.filters, options.melMul,
                                   options.melDiv, flag) != StsNoErr) {
-        throw Failure("no filter bank from " + std::to_string(options.lowHz) + " to " + std::to_string(high) +
-                      " Hz at " + std::to_string(rate) + " samples per second");
+        std::ostringstream message;
+        message << "no filter bank from " << options.lowHz << " to " << high << " Hz at " << rate
+                << " samples per second";
+        throw Failure(message.str());
     }
     fftLength = 1 << order;
     if (options.power) {
         check(lyrsFFTInitAlloc_R_32f(&spectrum, order, 8, 0), "lyrsFFTInitAlloc_R_32f");
     }
 
-    // The transform itself has no scale: an orthonormal one comes in through the weights.
+    // The transform itself has no scale: it comes in through the weights.
     const auto inputs = static_cast<float>(options.filters);
-    const float scale = options.orthonormal ? std::sqrt(2.0F / inputs) : 1.0F;
+    const float scale = options.scaledDct ? std::sqrt(2.0F / inputs) : 1.0F;
     statics = options.cepstra + (options.zeroth ? 1 : 0);
     if (options.lifter > 0) {
         check(options.zeroth
@@ -229,6 +250,12 @@ Features FrontEnd::compute(const std::vector<float>& samples, StageTimes& times)
             }
         }
     });
+    for (int f = 0; f < frames; ++f) {
+        const float* const row = result.vectors.row(f);
+        if (!std::all_of(row, row + result.vectors.columns(), [](float x) { return std::isfinite(x); })) {
+            throw Failure("frame " + std::to_string(f) + " is too loud: its features are not finite");
+        }
+    }
     return result;
 }
 

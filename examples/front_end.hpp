@@ -26,6 +26,7 @@ class Matrix
 {
 public:
     Matrix() = default;
+    // Throws Failure if there is no memory, or if an int cannot count the elements.
     Matrix(int rows, int columns);
 
     [[nodiscard]] int rows() const { return height; }
@@ -76,11 +77,11 @@ struct Options
     LogBase logBase = LogBase::E;
     float energyFloor = 1;
     int cepstra = 12;
-    bool zeroth = true; // the zeroth cepstrum comes last
-    int lifter = 22;    // 0: no lifter
-    bool orthonormal = true;
-    int derivatives = 2; // 0, 1 or 2
-    int deltaWindow = 2; // frames each way: 1 or 2
+    bool zeroth = true;    // the zeroth cepstrum comes last
+    int lifter = 22;       // 0: no lifter
+    bool scaledDct = true; // by sqrt(2 / filters)
+    int derivatives = 2;   // 0, 1 or 2
+    int deltaWindow = 2;   // frames each way: 1 or 2
     bool removeMean = false;
 };
 
@@ -124,7 +125,7 @@ public:
     FrontEnd(const FrontEnd&) = delete;
     FrontEnd& operator=(const FrontEnd&) = delete;
 
-    // Throws Failure for a recording that is too short.
+    // Throws Failure for a recording that is too short or too loud for single precision.
     Features compute(const std::vector<float>& samples, StageTimes& times) const;
 
     [[nodiscard]] int frameShift() const { return shift; }
