@@ -17,6 +17,7 @@
 #include <map>
 #include <string>
 #include <unistd.h>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -28,8 +29,11 @@ constexpr const char* const phrases[] = {"Front_Center", "Front_Left", "Front_Ri
 constexpr const char* const help = R"(usage: recognise [--plot FILE.png]
        recognise [--plot FILE.png] RECORDING.wav...
 
-Without recordings: trains and recognises the eight spoken phrases that Debian's package alsa-utils installs, leave-one-out, and draws the
-first of them with its scores. With recordings: prints and draws their features.
+Without recordings: recognises both words of the eight spoken phrases that Debian's package alsa-utils installs, each phrase with models
+trained on the others, and draws the first of them with its scores. With recordings: prints their cepstra with the mean removed, the zeroth
+last, and draws their mel energies and first cepstra.
+
+The picture goes to recognise.png, or where --plot says; with several recordings one picture for each, with -NAME before the ending.
 )";
 
 example::Options speechOptions()
@@ -268,7 +272,9 @@ int describeRecordings(const std::vector<std::string>& paths, const std::string&
         picture.secondsPerFrame = options.shiftMs / 1000;
         picture.curvesTitle = "cepstra, mean removed";
         for (const int c : {options.cepstra, 0, 1, 2}) {
-            example::Curve curve{"c" + std::to_string(c == options.cepstra ? 0 : c + 1), 0, {}, c == options.cepstra};
+            std::string label = "c";
+            label += std::to_string(c == options.cepstra ? 0 : c + 1);
+            example::Curve curve{std::move(label), 0, {}, c == options.cepstra};
             for (int r = 0; r < m.rows(); ++r) {
                 curve.values.push_back(m.row(r)[c]);
             }
@@ -298,8 +304,12 @@ int main(int argc, char** argv)
             std::cout << help;
             return 0;
         }
-        if (argument == "--plot" && i + 1 < argc) {
-            plot = argv[++i];
+        if (argument == "--plot") {
+            if (++i == argc) {
+                std::cerr << "recognise: --plot needs a file; try: recognise --help\n";
+                return 2;
+            }
+            plot = argv[i];
         } else if (argument.size() > 1 && argument[0] == '-') {
             std::cerr << "recognise: unknown option " << argument << "; try: recognise --help\n";
             return 2;
@@ -308,7 +318,11 @@ int main(int argc, char** argv)
         }
     }
     try {
-        return paths.empty() ? recognisePhrases(plot) : describeRecordings(paths, plot);
+        const int failed = paths.empty() ? recognisePhrases(plot) : describeRecordings(paths, plot);
+        if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
+            throw example::Failure("standard output: cannot be written");
+        }
+        return failed;
     } catch (const example::Failure& failure) {
         std::cerr << "recognise: " << failure.what() << '\n';
         return 1;
