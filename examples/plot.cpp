@@ -32,7 +32,7 @@ constexpr std::array<Colour, 6> curveColours{{{0.12, 0.47, 0.71},
                                               {0.84, 0.37, 0.05},
                                               {0.17, 0.57, 0.22},
                                               {0.58, 0.40, 0.74},
-                                              {0.55, 0.34, 0.29},
+                                              {0.00, 0.62, 0.65},
                                               {0.40, 0.40, 0.40}}};
 
 class Canvas
@@ -87,19 +87,62 @@ struct Panel
     [[nodiscard]] double y(double share) const { return top + height * (1 - share); }
 };
 
+// The distance of ticks on an axis: 1, 2 or 5 of a power of ten.
+struct Ticks
+{
+    Ticks(double range, int atMost)
+    {
+        const double power = std::floor(std::log10(range / atMost));
+        const double unit = std::pow(10, power);
+        const double wanted = range / atMost / unit;
+        step = unit * (wanted <= 1 ? 1 : (wanted <= 2 ? 2 : (wanted <= 5 ? 5 : 10)));
+        decimals = std::max(0, static_cast<int>(-std::floor(std::log10(step) + 1e-9)));
+    }
+
+    [[nodiscard]] std::string label(double value) const
+    {
+        char text[64];
+        std::snprintf(text, sizeof text, "%.*f", decimals, value + 0.0); // no minus before a zero
+        return text;
+    }
+
+    double step;
+    int decimals;
+};
+
 void drawTimeAxis(Canvas& canvas, const Panel& panel)
 {
     const double seconds = panel.frames * panel.secondsPerFrame;
-    const double spacing = seconds > 8 ? 2 : (seconds > 4 ? 1 : 0.2);
-    for (int tick = 0; tick * spacing <= seconds + 1e-9; ++tick) {
-        const double t = tick * spacing;
+    const Ticks ticks(seconds, 12);
+    for (int tick = 0; tick * ticks.step <= seconds + 1e-9; ++tick) {
+        const double t = tick * ticks.step;
         const double x = panel.x(t / panel.secondsPerFrame);
         canvas.line(x, panel.y(0), x, panel.y(0) + 4, {0.3, 0.3, 0.3}, 1);
-        char label[16];
-        std::snprintf(label, sizeof label, "%.1f", t);
-        canvas.text(x, panel.y(0) + 17, label, 11, 0.5);
+        canvas.text(x, panel.y(0) + 17, ticks.label(t), 11, 0.5);
     }
     canvas.text(panel.left + panel.width, panel.y(0) + 31, "seconds", 11, 1);
+}
+
+// What the colours from `low` to `high` mean.
+void drawScale(Canvas& canvas, const Panel& panel, double low, double high)
+{
+    const double left = panel.left + panel.width + 14;
+    constexpr double width = 16;
+    for (int row = 0; row < static_cast<int>(panel.height); ++row) {
+        const Colour colour = heat(1 - (row + 0.5) / panel.height);
+        cairo_set_source_rgb(canvas.cr, colour.r, colour.g, colour.b);
+        cairo_rectangle(canvas.cr, left, panel.top + row, width, 1);
+        cairo_fill(canvas.cr);
+    }
+    const Ticks ticks(high - low, 6);
+    const auto last = std::llround(std::floor(high / ticks.step));
+    for (auto tick = std::llround(std::ceil(low / ticks.step)); tick <= last; ++tick) {
+        const double value = static_cast<double>(tick) * ticks.step;
+        const double y = panel.y((value - low) / (high - low));
+        canvas.line(left + width, y, left + width + 4, y, {0.3, 0.3, 0.3}, 1);
+        canvas.text(left + width + 8, y + 4, ticks.label(value), 11, 0);
+    }
+    canvas.text(left, panel.top - 8, "ln", 11, 0);
 }
 
 void drawEnergies(Canvas& canvas, const Panel& panel, const Picture& picture)
@@ -112,7 +155,10 @@ void drawEnergies(Canvas& canvas, const Panel& panel, const Picture& picture)
     std::sort(sorted.begin(), sorted.end());
     // The extreme hundredths would leave the rest of the picture flat.
     const double low = sorted[sorted.size() / 50];
-    const double high = std::max(low + 1e-6, static_cast<double>(sorted[sorted.size() - 1 - sorted.size() / 200]));
+    double high = sorted[sorted.size() - 1 - sorted.size() / 200];
+    if (!(high > low)) {
+        high = low + 1;
+    }
     cairo_set_antialias(canvas.cr, CAIRO_ANTIALIAS_NONE);
     for (int f = 0; f < m.rows(); ++f) {
         for (int c = 0; c < m.columns(); ++c) {
@@ -131,6 +177,7 @@ void drawEnergies(Canvas& canvas, const Panel& panel, const Picture& picture)
         canvas.text(panel.left - 8, y + 4, std::to_string(std::lround(picture.centres[c])), 11, 1);
     }
     canvas.text(panel.left - 8, panel.top - 8, "Hz", 11, 1);
+    drawScale(canvas, panel, low, high);
 }
 
 void drawCurves(Canvas& canvas, const Panel& panel, const Picture& picture)
@@ -146,11 +193,18 @@ void drawCurves(Canvas& canvas, const Panel& panel, const Picture& picture)
     if (!(high > low)) {
         high = low + 1;
     }
-    const auto share = [low, high](float v) { return static_cast<double>((v - low) / (high - low)); };
-    for (int tick = 0; tick <= 4; ++tick) {
-        const float v = low + (high - low) * static_cast<float>(tick) / 4;
-        canvas.line(panel.left, panel.y(share(v)), panel.left + panel.width, panel.y(share(v)), {0.88, 0.88, 0.88}, 1);
-        canvas.text(panel.left - 8, panel.y(share(v)) + 4, std::to_string(std::lround(v)), 11, 1);
+    // From one tick to another.
+    const Ticks ticks(static_cast<double>(high) - static_cast<double>(low), 6);
+    const auto first = std::llround(std::floor(static_cast<double>(low) / ticks.step));
+    const auto last = std::llround(std::ceil(static_cast<double>(high) / ticks.step));
+    const auto share = [&](double v) {
+        return (v / ticks.step - static_cast<double>(first)) / static_cast<double>(last - first);
+    };
+    for (auto tick = first; tick <= last; ++tick) {
+        const double value = static_cast<double>(tick) * ticks.step;
+        const double y = panel.y(share(value));
+        canvas.line(panel.left, y, panel.left + panel.width, y, {0.88, 0.88, 0.88}, 1);
+        canvas.text(panel.left - 8, y + 4, ticks.label(value), 11, 1);
     }
     std::size_t colour = 0;
     double legend = panel.top + 14;
@@ -183,7 +237,7 @@ std::string drawPicture(const Picture& picture, const std::string& path)
     const Panel curves{70, 390, 860, 200, frames, picture.secondsPerFrame};
 
     canvas.text(energies.left, 28, picture.title, 16, 0);
-    canvas.text(energies.left, energies.top - 8, "mel energies, logarithm", 12, 0);
+    canvas.text(energies.left, energies.top - 8, "mel energies, natural logarithm", 12, 0);
     drawEnergies(canvas, energies, picture);
     drawTimeAxis(canvas, energies);
     canvas.text(curves.left, curves.top - 8, picture.curvesTitle, 12, 0);

@@ -220,7 +220,7 @@ int recognisePhrases(const std::string& plot)
     picture.logEnergies = &all[0].features.energies;
     picture.centres = centres;
     picture.secondsPerFrame = speechOptions().shiftMs / 1000;
-    picture.curvesTitle = "log-likelihood of each frame, first and second word";
+    picture.curvesTitle = "log-likelihood of each frame in nats, first and second word";
     for (int which = 0; which < 2; ++which) {
         for (const example::Curve& curve : results[static_cast<std::size_t>(which)].curves) {
             picture.curves.push_back(curve);
