@@ -7,7 +7,7 @@ int main(void)
     const Elem32f frames[] = {1.0F, 2.0F, 1.5F, 2.5F, 9.0F, 9.0F};
     const Elem32f mean[] = {1.0F, 2.0F};
     const Elem32f inverseVariance[] = {4.0F, 1.0F};
-    const Elem32f constant = -1.1448F; /* -1/2 * ln((2 pi)^2 * 1/4) */
+    const Elem32f constant = -1.1447F; /* -1/2 * ln((2 pi)^2 * 1/4) */
     Elem32f scores[3];
 
     const Status status = lyrsLogGauss_32f_D2(frames, 2, mean, inverseVariance, 2, scores, 3, constant);
