@@ -1271,7 +1271,7 @@ LYRSR_API Status lyrsDCTLifterGetSize_MulC0_16s(Elem32s lenDCT, Elem32s lenCepst
  * @param val         factor of all sine weights
  * @param val0        weight of the zeroth coefficient
  * @param pLifter     `lenCepstrum` weights; whole numbers in `lyrsDCTLifterInit_MulC0_16s`
- * @return #StsNoErr, #StsNullPtr, #StsSize
+ * @return #StsNoErr, #StsNullPtr, #StsSize (also for a state whose size 32 bits cannot tell)
  * @{
  */
 LYRSR_API Status lyrsDCTLifterInit_32f(DCTLifterState_32f* pState, Elem32s lenDCT, Elem32s lenCepstrum, Elem32s nLifter,

@@ -98,19 +98,43 @@ Elem64s headBytes(Elem32s lenCepstrum)
     return recordBytes<State> + arrays * static_cast<Elem64s>(weightBytes(lenCepstrum));
 }
 
+// Of many rows the cosines and the pointers alone are more than a 32-bit size tells, and a sum would wrap.
+bool areTooManyRows(Elem32s lenCepstrum, Elem64s rowBytes)
+{
+    return lenCepstrum >= INT32_MAX / (rowBytes + Elem64s{sizeof(void*)});
+}
+
+// The bytes of a state in the caller's memory, for GetSize to tell and for Init to refuse: StsSize if 32 bits do not
+// hold them.
+template <class State>
+Status placedSize(Elem32s lenDCT, Elem32s lenCepstrum, Elem32s& size)
+{
+    LYR_CHECK(require(!areTooManyRows(lenCepstrum, (Elem64s{lenDCT} + 7) / 8 * 32), StsSize));
+    const Elem64s bytes = headBytes<State>(lenCepstrum) + Elem64s{lyr::GetSize2_32f(lenCepstrum + 1, lenDCT)};
+    LYR_CHECK(require(bytes <= INT32_MAX, StsSize));
+    size = static_cast<Elem32s>(bytes);
+    return StsNoErr;
+}
+
+// The same for the form whose rows are laid one by one: 32 bytes of slack for each in place of padding.
+Status placedSizeOfSlackRows(Elem32s lenDCT, Elem32s lenCepstrum, Elem32s& size)
+{
+    constexpr Elem64s slack = blockAlignment;
+    const Elem64s rowBytes = Elem64s{lenDCT} * Elem64s{sizeof(Elem32f)} + slack;
+    LYR_CHECK(require(!areTooManyRows(lenCepstrum, rowBytes), StsSize));
+    const Elem64s rows = Elem64s{lenCepstrum} + 1;
+    const Elem64s bytes =
+        headBytes<DCTLifterState_16s>(lenCepstrum) + rows * Elem64s{sizeof(void*)} + slack + rows * rowBytes;
+    LYR_CHECK(require(bytes <= INT32_MAX, StsSize));
+    size = static_cast<Elem32s>(bytes);
+    return StsNoErr;
+}
+
 template <class State>
 Status getSize(Elem32s lenDCT, Elem32s lenCepstrum, Elem32s* pSize)
 {
     LYR_CHECK(pointers(pSize), dimensions(lenDCT, lenCepstrum));
-    // A state that a 32-bit size cannot tell is too large to ask for. Of many rows the cosines and the pointers alone
-    // are, and the numbers below would wrap.
-    const Elem64s rows = Elem64s{lenCepstrum} + 1;
-    const Elem64s rowBytes = (Elem64s{lenDCT} + 7) / 8 * 32 + Elem64s{sizeof(void*)};
-    LYR_CHECK(require(rows <= INT32_MAX / rowBytes, StsSize));
-    const Elem64s bytes = headBytes<State>(lenCepstrum) + Elem64s{lyr::GetSize2_32f(lenCepstrum + 1, lenDCT)};
-    LYR_CHECK(require(bytes <= INT32_MAX, StsSize));
-    *pSize = static_cast<Elem32s>(bytes);
-    return StsNoErr;
+    return placedSize<State>(lenDCT, lenCepstrum, *pSize);
 }
 
 template <class State>
@@ -155,14 +179,17 @@ void fillRows(State* state)
 }
 
 template <class State, class Weights>
-void init(State* state, Elem32s lenDCT, Elem32s lenCepstrum, const Weights& weights)
+Status init(State* state, Elem32s lenDCT, Elem32s lenCepstrum, const Weights& weights)
 {
+    Elem32s size = 0;
+    LYR_CHECK(placedSize<State>(lenDCT, lenCepstrum, size));
     describe(state, lenDCT, lenCepstrum, weights.length(), weights.hasC0());
     std::byte* const table = layArrays(state);
     lyr::Init2_32fd(table, lenCepstrum + 1, lenDCT);
     state->pRows = reinterpret_cast<Elem32f**>(table);
     weights.fill(state->pLifter, lenCepstrum);
     fillRows(state);
+    return StsNoErr;
 }
 
 template <class T>
@@ -244,18 +271,12 @@ Status lyrsDCTLifterGetSize_Mul_16s(Elem32s lenDCT, Elem32s lenCepstrum, Elem32s
     return getSize<DCTLifterState_16s>(lenDCT, lenCepstrum, pSize);
 }
 
-// This form alone has a bound on its length, and a size of its own: 32 bytes of slack for each row in place of padded
-// rows.
+// This form alone has a bound on its length, and it is of the told size only: the state may be larger.
 Status lyrsDCTLifterGetSize_MulC0_16s(Elem32s lenDCT, Elem32s lenCepstrum, Elem32s* pSize)
 {
     constexpr Elem32s longest = 8192;
     LYR_CHECK(pointers(pSize), dimensions(lenDCT, lenCepstrum), require(lenDCT <= longest, StsSize));
-    constexpr Elem64s slack = blockAlignment;
-    const Elem64s rows = Elem64s{lenCepstrum} + 1;
-    const Elem64s rowBytes = Elem64s{lenDCT} * Elem64s{sizeof(Elem32f)} + slack;
-    *pSize = static_cast<Elem32s>(headBytes<DCTLifterState_16s>(lenCepstrum) + rows * Elem64s{sizeof(void*)} + slack +
-                                  rows * rowBytes);
-    return StsNoErr;
+    return placedSizeOfSlackRows(lenDCT, lenCepstrum, *pSize);
 }
 
 // ------------------------------------------------------------------------------------------------- in a given buffer
@@ -264,56 +285,49 @@ Status lyrsDCTLifterInit_32f(DCTLifterState_32f* pState, Elem32s lenDCT, Elem32s
                              Elem32f val)
 {
     LYR_CHECK(pointers(pState), sizes(nLifter), dimensions(lenDCT, lenCepstrum));
-    init(pState, lenDCT, lenCepstrum, SineLifter{nLifter, val});
-    return StsNoErr;
+    return init(pState, lenDCT, lenCepstrum, SineLifter{nLifter, val});
 }
 
 Status lyrsDCTLifterInit_16s(DCTLifterState_16s* pState, Elem32s lenDCT, Elem32s lenCepstrum, Elem32s nLifter,
                              Elem32f val)
 {
     LYR_CHECK(pointers(pState), sizes(nLifter), dimensions(lenDCT, lenCepstrum));
-    init(pState, lenDCT, lenCepstrum, SineLifter{nLifter, val});
-    return StsNoErr;
+    return init(pState, lenDCT, lenCepstrum, SineLifter{nLifter, val});
 }
 
 Status lyrsDCTLifterInit_C0_32f(DCTLifterState_32f* pState, Elem32s lenDCT, Elem32s lenCepstrum, Elem32s nLifter,
                                 Elem32f val, Elem32f val0)
 {
     LYR_CHECK(pointers(pState), sizes(nLifter), dimensions(lenDCT, lenCepstrum));
-    init(pState, lenDCT, lenCepstrum, SineLifter{nLifter, val, &val0});
-    return StsNoErr;
+    return init(pState, lenDCT, lenCepstrum, SineLifter{nLifter, val, &val0});
 }
 
 Status lyrsDCTLifterInit_C0_16s(DCTLifterState_16s* pState, Elem32s lenDCT, Elem32s lenCepstrum, Elem32s nLifter,
                                 Elem32f val, Elem32f val0)
 {
     LYR_CHECK(pointers(pState), sizes(nLifter), dimensions(lenDCT, lenCepstrum));
-    init(pState, lenDCT, lenCepstrum, SineLifter{nLifter, val, &val0});
-    return StsNoErr;
+    return init(pState, lenDCT, lenCepstrum, SineLifter{nLifter, val, &val0});
 }
 
 Status lyrsDCTLifterInit_Mul_32f(DCTLifterState_32f* pState, Elem32s lenDCT, const Elem32f* pLifter,
                                  Elem32s lenCepstrum)
 {
     LYR_CHECK(pointers(pState), pointers(pLifter), dimensions(lenDCT, lenCepstrum));
-    init(pState, lenDCT, lenCepstrum, GivenLifter<Elem32f>{pLifter, false});
-    return StsNoErr;
+    return init(pState, lenDCT, lenCepstrum, GivenLifter<Elem32f>{pLifter, false});
 }
 
 Status lyrsDCTLifterInit_Mul_16s(DCTLifterState_16s* pState, Elem32s lenDCT, const Elem32f* pLifter,
                                  Elem32s lenCepstrum)
 {
     LYR_CHECK(pointers(pState), pointers(pLifter), dimensions(lenDCT, lenCepstrum));
-    init(pState, lenDCT, lenCepstrum, GivenLifter<Elem32f>{pLifter, false});
-    return StsNoErr;
+    return init(pState, lenDCT, lenCepstrum, GivenLifter<Elem32f>{pLifter, false});
 }
 
 Status lyrsDCTLifterInit_MulC0_32f(DCTLifterState_32f* pState, Elem32s lenDCT, const Elem32f* pLifter,
                                    Elem32s lenCepstrum)
 {
     LYR_CHECK(pointers(pState), pointers(pLifter), dimensions(lenDCT, lenCepstrum));
-    init(pState, lenDCT, lenCepstrum, GivenLifter<Elem32f>{pLifter, true});
-    return StsNoErr;
+    return init(pState, lenDCT, lenCepstrum, GivenLifter<Elem32f>{pLifter, true});
 }
 
 // Its weights are whole numbers, and its rows are laid one by one.
@@ -321,6 +335,8 @@ Status lyrsDCTLifterInit_MulC0_16s(DCTLifterState_16s* pState, Elem32s lenDCT, c
                                    Elem32s lenCepstrum)
 {
     LYR_CHECK(pointers(pState), pointers(pLifter), dimensions(lenDCT, lenCepstrum));
+    Elem32s size = 0;
+    LYR_CHECK(placedSizeOfSlackRows(lenDCT, lenCepstrum, size));
     const GivenLifter<Elem32s> weights{pLifter, true};
     describe(pState, lenDCT, lenCepstrum, weights.length(), weights.hasC0());
     pState->pRows = reinterpret_cast<Elem32f**>(layArrays(pState));

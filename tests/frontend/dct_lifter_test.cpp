@@ -301,6 +301,55 @@ TEST(DctLifter, TheLargestSizesAreTold)
     EXPECT_EQ(size, -1);
 }
 
+// Init refuses what has no size, with nothing touched.
+template <class State>
+void expectNotPlaced(const Form<State>& form, Elem32s lenDCT, Elem32s lenCepstrum)
+{
+    SCOPED_TRACE(std::string(form.name) + ' ' + std::to_string(lenDCT) + ' ' + std::to_string(lenCepstrum));
+    Elem32s size = -1;
+    EXPECT_EQ(form.getSize(lenDCT, lenCepstrum, &size), StsSize);
+    Arguments a = arguments(1, 1);
+    a.lenDCT = lenDCT;
+    a.lenCepstrum = lenCepstrum;
+    const Guarded<std::byte> memory(sizeof(State), 0);
+    const std::vector<std::byte> before = memory.copy();
+    EXPECT_EQ(form.init(reinterpret_cast<State*>(memory.data()), a), StsSize);
+    EXPECT_EQ(memory.copy(), before);
+    EXPECT_TRUE(memory.intact());
+}
+
+template <class State>
+void expectNotPlaced(const Form<State>& form)
+{
+    for (const Elem32s lenCepstrum : {20000, 1073741823, 2000000000, INT32_MAX}) {
+        expectNotPlaced(form, std::max(lenCepstrum, 40000), lenCepstrum);
+        expectNotPlaced(form, INT32_MAX, lenCepstrum);
+    }
+    // The first number of coefficients that is too large for a number of inputs, as the padded rows have it.
+    for (const Elem32s lenDCT : {23200, 30000, 1000000, 268435400}) {
+        Elem32s most = 0;
+        for (Elem32s step = 1 << 28; step > 0; step /= 2) {
+            Elem32s size = 0;
+            if (most + step <= lenDCT && lyrsDCTLifterGetSize_32f(lenDCT, most + step, &size) == StsNoErr) {
+                most += step;
+            }
+        }
+        ASSERT_LT(most, lenDCT);
+        expectNotPlaced(form, lenDCT, most + 1);
+    }
+    expectNotPlaced(form, INT32_MAX, 1);
+}
+
+TEST(DctLifter, WhatHasNoSizeIsNotPlaced)
+{
+    for (const auto& form : single) {
+        expectNotPlaced(form);
+    }
+    for (const auto& form : fixed) {
+        expectNotPlaced(form);
+    }
+}
+
 template <class State>
 void expectSizeErrors(const Form<State>& form)
 {
