@@ -9,6 +9,8 @@
 #include <string>
 #include <vector>
 
+#include "plain_limits.hpp"
+
 namespace bench {
 
 struct Contender
@@ -34,9 +36,24 @@ Contender contender(const char* name, Call call, std::function<double()> result)
             std::move(result)};
 }
 
+// What a call cannot do without: bytes to be read or written, single-precision operations (those of doubles count
+// twice); and how many calls a run is.
+struct Work
+{
+    double bytes;
+    double operations;
+    int calls = 1;
+};
+
+inline Work perCall(double bytes, double operations)
+{
+    return {bytes, operations, callsPerRun};
+}
+
 // The first contender is ours. Each round runs every contender for about the same short time. The counter `ratio` is
-// our median time over that of the fastest peer.
-inline void contest(benchmark::State& state, const std::vector<Contender>& contenders, double tolerance)
+// our median time over that of the fastest peer; `limit` is the share of our time that the machine would need for the
+// work, be it to move the bytes or to compute.
+inline void contest(benchmark::State& state, const std::vector<Contender>& contenders, double tolerance, Work work)
 {
     using Clock = std::chrono::steady_clock;
     const auto timed = [](const Contender& c, int calls) {
@@ -78,6 +95,9 @@ inline void contest(benchmark::State& state, const std::vector<Contender>& conte
         }
     }
     state.counters["ratio"] = ours / best;
+    const double least =
+        std::max(work.bytes / plain::readBandwidth(work.bytes), work.operations / plain::peakOperations());
+    state.counters["limit"] = work.calls * least / ours;
 }
 
 } // namespace bench

@@ -120,7 +120,8 @@ void singles(benchmark::State& state)
         },
         result));
 #endif
-    contest(state, all, 1e-5);
+    // Two weights for each bin.
+    contest(state, all, 1e-5, bench::perCall(12.0 * weights.bins, 4.0 * weights.bins));
     lyrsFBankFree_32f(bank);
 }
 
@@ -150,7 +151,7 @@ void integers(benchmark::State& state)
                  "ours", [&] { lyrsEvalFBank_16s_Sfs(x.data(), y.data(), bank, 0); }, result),
              contender(
                  "plain_sparse", [&] { plain::sparseBank(weights.sparse16, x.data(), y.data()); }, result)},
-            1e-3);
+            1e-3, bench::perCall(10.0 * weights.bins, 0));
     lyrsFBankFree_32f(shape);
     lyrsFBankFree_16s(bank);
 }

@@ -14,6 +14,13 @@ float dot(const float* a, const float* b, int n)
     return sum;
 }
 
+void product(const float* a, const float* b, float* y, int n)
+{
+    for (int i = 0; i < n; ++i) {
+        y[i] = a[i] * b[i];
+    }
+}
+
 float sum(const float* x, int n)
 {
     float sum = 0;

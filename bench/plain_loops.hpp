@@ -7,6 +7,7 @@
 namespace plain {
 
 float dot(const float* a, const float* b, int n);
+void product(const float* a, const float* b, float* y, int n);
 float sum(const float* x, int n);
 void ln(float* x, int n);
 double sumLn(const float* x, int n);

@@ -157,9 +157,9 @@ void gaussians(benchmark::State& state)
                           },
                           [&] { return expandedResult; }});
 #endif
-    bench::contest(state, contenders, 1e-4);
-    // Means and inverse variances are read once.
-    state.counters["GB/s"] = static_cast<double>(2 * sizeof(float) * model.means.size()) / state.counters["ours"].value;
+    // Means and inverse variances are read once; a difference, its square and its weight.
+    const auto elements = static_cast<double>(model.means.size());
+    bench::contest(state, contenders, 1e-4, {8.0 * elements, 4.0 * elements});
 }
 BENCHMARK(gaussians<false>)->Name("each_gaussian")->ArgsProduct({{16, 512, 10000}, {39}, {1}});
 BENCHMARK(gaussians<true>)->Name("mixture")->ArgsProduct({{16, 512, 10000}, {39}, {1, 4}});
@@ -198,8 +198,8 @@ void frames(benchmark::State& state)
                           },
                           [&] { return eigenScores[height - 1]; }});
 #endif
-    bench::contest(state, contenders, 1e-4);
-    state.counters["GB/s"] = static_cast<double>(sizeof(float) * model.means.size()) / state.counters["ours"].value;
+    const auto elements = static_cast<double>(model.means.size());
+    bench::contest(state, contenders, 1e-4, {4.0 * elements, 4.0 * elements});
 }
 BENCHMARK(frames)->ArgsProduct({{1, 100, 1000}, {13, 39}});
 
@@ -227,7 +227,7 @@ void single(benchmark::State& state)
     contenders.push_back({"eigen", [&] { eigenScore = -50 - 0.5F * ((x - mean).array().square() * var.array()).sum(); },
                           [&] { return eigenScore; }});
 #endif
-    bench::contest(state, contenders, 1e-4);
+    bench::contest(state, contenders, 1e-4, {12.0 * width, 4.0 * width});
 }
 BENCHMARK(single)->Arg(13)->Arg(39);
 
@@ -252,7 +252,8 @@ void logAdd(benchmark::State& state)
                                            plain::logAdd(x.data(), plainSums.data(), n);
                                        },
                                        [&] { return plainSums.back(); }}};
-    bench::contest(state, contenders, 1e-5);
+    // A polynomial of degree 10, in double precision with hint 0.
+    bench::contest(state, contenders, 1e-5, {12.0 * n, (hint == 0 ? 40.0 : 20.0) * n});
 }
 BENCHMARK(logAdd)->ArgsProduct({{16, 100, 1000}, {0, 1}});
 

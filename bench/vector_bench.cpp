@@ -26,6 +26,7 @@ namespace {
 using bench::Contender;
 using bench::contender;
 using bench::contest;
+using bench::perCall;
 
 // Vectors stand at the start of a cache line, for ours and for the peers alike.
 template <class T>
@@ -86,7 +87,35 @@ void dotProduct(benchmark::State& state)
     all.push_back(contender(
         "volk", [&] { volk_32f_x2_dot_prod_32f(&y, a.data(), b.data(), static_cast<unsigned>(n)); }, result));
 #endif
-    contest(state, all, 1e-4);
+    contest(state, all, 1e-4, perCall(8.0 * n, 2.0 * n));
+}
+
+void product(benchmark::State& state)
+{
+    const int n = static_cast<int>(state.range(0));
+    const auto a = ramp<float>(n, -1, 2);
+    const auto b = ramp<float>(n, 0.5, 1);
+    Vector<float> y(a.size());
+    const auto result = [&y] { return total(y); };
+    std::vector<Contender> all;
+    all.push_back(contender(
+        "ours", [&] { lyrsMul_32f(a.data(), b.data(), y.data(), n); }, result));
+    all.push_back(contender(
+        "plain", [&] { plain::product(a.data(), b.data(), y.data(), n); }, result));
+#if LYRSR_HAVE_EIGEN
+    all.push_back(contender(
+        "eigen",
+        [&] {
+            Eigen::Map<Eigen::ArrayXf>(y.data(), n) =
+                Eigen::Map<const Eigen::ArrayXf>(a.data(), n) * Eigen::Map<const Eigen::ArrayXf>(b.data(), n);
+        },
+        result));
+#endif
+#if LYRSR_HAVE_VOLK
+    all.push_back(contender(
+        "volk", [&] { volk_32f_x2_multiply_32f(y.data(), a.data(), b.data(), static_cast<unsigned>(n)); }, result));
+#endif
+    contest(state, all, 1e-4, perCall(12.0 * n, n));
 }
 
 void fastSum(benchmark::State& state)
@@ -112,7 +141,7 @@ void fastSum(benchmark::State& state)
     all.push_back(contender(
         "volk", [&] { volk_32f_accumulator_s32f(&y, x.data(), static_cast<unsigned>(n)); }, result));
 #endif
-    contest(state, all, 1e-4);
+    contest(state, all, 1e-4, perCall(4.0 * n, n));
 }
 
 // The accurate sum has no peer in extended precision; the plain loop in single precision shows what it costs.
@@ -127,7 +156,7 @@ void accurateSum(benchmark::State& state)
                  "ours", [&] { lyrsSum_32f(x.data(), n, &y, 0); }, result),
              contender(
                  "plain", [&] { y = plain::sum(x.data(), n); }, result)},
-            1e-4);
+            1e-4, perCall(4.0 * n, n));
 }
 
 // In place, so that every call starts from a copy on both sides.
@@ -153,7 +182,7 @@ void logarithm(benchmark::State& state)
                      plain::ln(y.data(), n);
                  },
                  result)},
-            1e-4);
+            1e-4, perCall(8.0 * n, 0));
 }
 
 void sumOfLogarithms(benchmark::State& state)
@@ -167,7 +196,7 @@ void sumOfLogarithms(benchmark::State& state)
                  "ours", [&] { lyrsSumLn_32f(x.data(), n, &y); }, result),
              contender(
                  "libmvec", [&] { y = static_cast<float>(plain::sumLn(x.data(), n)); }, result)},
-            1e-4);
+            1e-4, perCall(4.0 * n, 0));
 }
 
 // `ours` takes source, destination and length, `volk` destination first.
@@ -198,7 +227,7 @@ void compareConversion(benchmark::State& state, Ours ours, [[maybe_unused]] Volk
     all.push_back(contender(
         "volk", [&] { volk(y.data(), x.data(), static_cast<unsigned>(n)); }, result));
 #endif
-    contest(state, all, 1e-4);
+    contest(state, all, 1e-4, perCall(static_cast<double>(sizeof(S) + sizeof(D)) * n, 0));
 }
 
 #if LYRSR_HAVE_VOLK
@@ -246,6 +275,7 @@ void lengths(benchmark::internal::Benchmark* b)
 }
 
 BENCHMARK(dotProduct)->Apply(lengths);
+BENCHMARK(product)->Apply(lengths);
 BENCHMARK(fastSum)->Apply(lengths);
 BENCHMARK(accurateSum)->Apply(lengths);
 BENCHMARK(logarithm)->Apply(lengths);

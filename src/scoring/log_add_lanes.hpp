@@ -239,7 +239,7 @@ struct LogAddStep
     V difference;
     V withoutSmaller; // the result where the difference is below the cut-off
 
-    LYR_INLINE LogAddStep() {} // to be filled in
+    LogAddStep() = default;
 
     // The comparisons are such that a NaN operand makes the difference NaN, and that passes for the polynomial.
     LYR_INLINE LogAddStep(V a, V b, const LogAddLimits& limit)
