@@ -13,8 +13,9 @@ foreach(line IN LISTS lines)
     set(symbol "${CMAKE_MATCH_1}")
     math(EXPR count "${count} + 1")
     # lyr::wN::..., the constants and functions of nested names in it, and what is local to them: lambdas that an unoptimised build calls.
-    # The 32-bit compilers' thunks for the program counter are two plain instructions; the address sanitizer marks each datum by its own name.
-    if(NOT symbol MATCHES "^(__odr_asan\\.)?_ZZ?N[VK]*3lyr4w${WIDTH}[0-9]|^__x86\\.get_pc_thunk\\.")
+    # The 32-bit compilers' thunks for the program counter are two plain instructions; the address sanitizer marks each datum by its own name,
+    # and the undefined-behaviour sanitizer describes the types of functions, which is data.
+    if(NOT symbol MATCHES "^(__odr_asan\\.)?_ZZ?N[VK]*3lyr4w${WIDTH}[0-9]|^__x86\\.get_pc_thunk\\.|^_ZT[IS]F")
       list(APPEND strangers "${symbol}")
     endif()
   endif()
